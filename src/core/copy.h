@@ -12,12 +12,24 @@ namespace vsp {
 
 namespace detail {
 
-// Moves n <= 64 bytes with overlapping 16/8/4/2-byte accesses; every load happens before the
-// first store, so the ranges may overlap. Faster than a library call at these sizes.
+// Up to these sizes the kernels move data themselves; above them they call the C library, whose
+// wider stores win once the call has paid for itself (measured on the bench/ Copy, Move, Zero
+// and Set cases).
+constexpr size_t kInlineMoveBytes = 128;
+constexpr size_t kInlineCopyBytes = 256;
+constexpr size_t kInlineFillBytes = 256;
+
+// Moves n <= 128 bytes with overlapping accesses; every load happens before the first store,
+// so the ranges may overlap.
 inline void MoveSmall(const Vsp8u* s, Vsp8u* d, size_t n) {
   using simd::LoadU;
   using simd::StoreU;
-  if (n >= 16) {
+  if (n > 64) {
+    auto a0 = LoadU(s), a1 = LoadU(s + 16), a2 = LoadU(s + 32), a3 = LoadU(s + 48);
+    auto b0 = LoadU(s + n - 64), b1 = LoadU(s + n - 48), b2 = LoadU(s + n - 32), b3 = LoadU(s + n - 16);
+    StoreU(a0, d), StoreU(a1, d + 16), StoreU(a2, d + 32), StoreU(a3, d + 48);
+    StoreU(b0, d + n - 64), StoreU(b1, d + n - 48), StoreU(b2, d + n - 32), StoreU(b3, d + n - 16);
+  } else if (n >= 16) {
     if (n > 32) {
       auto a = LoadU(s), b = LoadU(s + 16), c = LoadU(s + n - 32), e = LoadU(s + n - 16);
       StoreU(a, d), StoreU(b, d + 16), StoreU(c, d + n - 32), StoreU(e, d + n - 16);
@@ -42,59 +54,90 @@ inline void MoveSmall(const Vsp8u* s, Vsp8u* d, size_t n) {
   }
 }
 
-constexpr size_t kSmallBytes = 64;
+// Copies 64 < n <= 256 bytes between non-overlapping ranges: 64-byte blocks, the last one
+// overlapping its predecessor.
+inline void CopyMedium(const Vsp8u* s, Vsp8u* d, size_t n) {
+  using simd::LoadU;
+  using simd::StoreU;
+  auto copy64 = [&](size_t i) {
+    auto a0 = LoadU(s + i), a1 = LoadU(s + i + 16), a2 = LoadU(s + i + 32), a3 = LoadU(s + i + 48);
+    StoreU(a0, d + i), StoreU(a1, d + i + 16), StoreU(a2, d + i + 32), StoreU(a3, d + i + 48);
+  };
+  size_t i = 0;
+  for (; i + 64 < n; i += 64) copy64(i);
+  copy64(n - 64);
+}
+
+// Stores a repeating 16-byte pattern over n bytes at d. The pattern's period (the element
+// size) divides 16 and n, so a store that overlaps its neighbour at an element boundary keeps
+// the pattern in phase.
+inline void FillBytes(simd::Vec<Vsp8u> v, Vsp8u* d, size_t n) {
+  using simd::StoreU;
+  if (n >= 16) {
+    size_t i = 0;
+    for (; i + 64 <= n; i += 64) StoreU(v, d + i), StoreU(v, d + i + 16), StoreU(v, d + i + 32), StoreU(v, d + i + 48);
+    for (; i + 16 <= n; i += 16) StoreU(v, d + i);
+    if (i < n) StoreU(v, d + n - 16);
+    return;
+  }
+  alignas(16) Vsp8u b[16];
+  simd::Store(v, b);
+  if (n >= 8) std::memcpy(d, b, 8), std::memcpy(d + n - 8, b, 8);
+  else if (n >= 4) std::memcpy(d, b, 4), std::memcpy(d + n - 4, b, 4);
+  else if (n >= 2) std::memcpy(d, b, 2), std::memcpy(d + n - 2, b, 2);
+  else if (n == 1) *d = b[0];
+}
 
 }  // namespace detail
 
 // Copies n bytes between non-overlapping ranges.
 inline void ownsCopy_8u(const Vsp8u* src, Vsp8u* dst, size_t n) {
-  if (n <= detail::kSmallBytes) detail::MoveSmall(src, dst, n);
+  if (n <= detail::kInlineMoveBytes) detail::MoveSmall(src, dst, n);
+  else if (n <= detail::kInlineCopyBytes) detail::CopyMedium(src, dst, n);
   else std::memcpy(dst, src, n);
 }
 
 // Copies n bytes; the ranges may overlap (the result of copying through a temporary).
 inline void ownsMove_8u(const Vsp8u* src, Vsp8u* dst, size_t n) {
-  if (n <= detail::kSmallBytes) detail::MoveSmall(src, dst, n);
+  if (n <= detail::kInlineMoveBytes) detail::MoveSmall(src, dst, n);
   else std::memmove(dst, src, n);
 }
 
 // Sets n bytes to zero.
 inline void ownsZero_8u(Vsp8u* dst, size_t n) {
-  if (n <= detail::kSmallBytes) {
-    alignas(16) static constexpr Vsp8u kZeros[detail::kSmallBytes] = {};
-    detail::MoveSmall(kZeros, dst, n);
-  } else {
-    std::memset(dst, 0, n);
-  }
+  if (n <= detail::kInlineFillBytes) detail::FillBytes(simd::Zero<Vsp8u>(), dst, n);
+  else std::memset(dst, 0, n);
 }
 
 // Stores the element pattern `val` (1, 2, 4, 8 or 16 bytes) into n elements at dst.
 template <class T>
 void ownsSet(const T& val, T* dst, long long n) {
   static_assert(sizeof(T) <= 16 && (sizeof(T) & (sizeof(T) - 1)) == 0, "element of 1..16 bytes");
-  constexpr size_t kSize = sizeof(T);
-  Vsp8u bytes[kSize];
-  std::memcpy(bytes, &val, kSize);
-  bool uniform = true;
-  for (size_t i = 1; i < kSize; ++i) uniform = uniform && bytes[i] == bytes[0];
-  if (uniform) {  // every byte alike (zero, -1, 8-bit values): the library's memset is best
-    std::memset(dst, bytes[0], static_cast<size_t>(n) * kSize);
+  simd::Vec<Vsp8u> v;
+  if constexpr (sizeof(T) == 16) {
+    v = simd::LoadU(reinterpret_cast<const Vsp8u*>(&val));
+  } else {
+    BitsOf<sizeof(T)> bits;
+    std::memcpy(&bits, &val, sizeof(T));
+    v = simd::BitCast<Vsp8u>(simd::Set1(bits));
+  }
+  const Vsp8u first = simd::GetLane0(v);
+  const size_t bytes = static_cast<size_t>(n) * sizeof(T);
+  Vsp8u* d = reinterpret_cast<Vsp8u*>(dst);
+  if (bytes > detail::kInlineFillBytes) {
+    // All sixteen bytes alike (zero, -1, any 8-bit value): the C library's memset.
+    if (simd::MoveMask(simd::Eq(v, simd::Set1<Vsp8u>(first))) == 0xFFFF) {
+      std::memset(d, first, bytes);
+      return;
+    }
+    // Align the stores: whole elements up to the next 16-byte boundary, when one is reachable.
+    const long long head = AlignHead(dst, n);
+    detail::FillBytes(v, d, static_cast<size_t>(head) * sizeof(T));
+    d += head * sizeof(T);
+    detail::FillBytes(v, d, bytes - static_cast<size_t>(head) * sizeof(T));
     return;
   }
-  Vsp8u pattern[16];
-  for (size_t i = 0; i < 16; ++i) pattern[i] = bytes[i % kSize];
-  const auto v = simd::LoadU(pattern);
-  Vsp8u* d = reinterpret_cast<Vsp8u*>(dst);
-  long long i = AlignHead(dst, n);
-  for (long long k = 0; k < i; ++k) std::memcpy(d + k * kSize, bytes, kSize);
-  Vsp8u* p = d + i * kSize;
-  size_t rest = static_cast<size_t>(n - i) * kSize;  // a multiple of the element size
-  size_t blocks = rest / 64;
-  for (size_t b = 0; b < blocks; ++b, p += 64) {
-    simd::StoreU(v, p), simd::StoreU(v, p + 16), simd::StoreU(v, p + 32), simd::StoreU(v, p + 48);
-  }
-  for (rest %= 64; rest >= 16; rest -= 16, p += 16) simd::StoreU(v, p);
-  if (rest) std::memcpy(p, pattern, rest);  // the pattern repeats every 16 bytes
+  detail::FillBytes(v, d, bytes);
 }
 
 }  // namespace vsp

@@ -89,9 +89,14 @@ template <class To, class From> inline Vec<To> BitCast(Vec<From> v) {
   else return {bits};
 }
 
-// Lane 0 of a float or double vector.
+// Lane 0 of a vector.
 inline Vsp32f GetLane0(Vec<Vsp32f> v) { return _mm_cvtss_f32(v.raw); }
 inline Vsp64f GetLane0(Vec<Vsp64f> v) { return _mm_cvtsd_f64(v.raw); }
+template <class T> inline T GetLane0(Vec<T> v) {
+  static_assert(std::is_integral_v<T>);
+  if constexpr (sizeof(T) == 8) return static_cast<T>(_mm_cvtsi128_si64(v.raw));
+  else return static_cast<T>(_mm_cvtsi128_si32(v.raw));
+}
 
 // ---- bitwise ------------------------------------------------------------------------------
 
