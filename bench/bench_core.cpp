@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "harness.h"
-#include "peers/peers.h"
+#include "peers/core.h"
 
 namespace vspbench {
 namespace {

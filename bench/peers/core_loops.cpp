@@ -1,5 +1,5 @@
 // Plain loops for the data-movement benchmarks (compiled once per peer namespace).
-#include "peers/peers.h"
+#include "peers/core.h"
 
 namespace VSP_PEER_NS {
 

@@ -101,72 +101,71 @@ VspStatus SwapBytes24(const Vsp8u* pSrc, Vsp8u* pDst, int len) {
 
 // ---- Flip --------------------------------------------------------------------------------------
 
-// A 16-byte element moves as one vector.
-struct Bits128 {
-  Vsp64u lo, hi;
-};
+// Elements are moved as the caller's type T one at a time and, in the vector body, as lanes of
+// an unsigned integer of the same size (a 16-byte element is one whole vector).
+template <class T>
+using FlipLane = std::conditional_t<sizeof(T) == 16, Vsp8u, BitsOf<sizeof(T) == 16 ? 8 : sizeof(T)>>;
 
-template <class U>
-constexpr int FlipLanes() {
-  return sizeof(U) == 16 ? 1 : hw::kLanes<U>;
+template <class T>
+constexpr int kFlipLanes = sizeof(T) == 16 ? 1 : hw::kLanes<FlipLane<T>>;
+
+// The vector of kFlipLanes<T> elements at p, in reverse element order.
+template <class T>
+inline auto LoadReversed(const T* p) {
+  auto v = hw::LoadU(reinterpret_cast<const FlipLane<T>*>(p));
+  if constexpr (sizeof(T) == 16) return v;
+  else return hw::Reverse(v);
 }
 
-template <class U>
-inline auto LoadReversed(const U* p) {
-  if constexpr (sizeof(U) == 16) return hw::LoadU(reinterpret_cast<const Vsp8u*>(p));
-  else return hw::Reverse(hw::LoadU(p));
-}
-
-template <class U, class V>
-inline void StoreVec(V v, U* p) {
-  if constexpr (sizeof(U) == 16) hw::StoreU(v, reinterpret_cast<Vsp8u*>(p));
-  else hw::StoreU(v, p);
+template <class T, class V>
+inline void StoreLanes(V v, T* p) {
+  hw::StoreU(v, reinterpret_cast<FlipLane<T>*>(p));
 }
 
 // dst[i] = src[n - 1 - i]: dst is walked forward (aligned), src backward (unaligned).
-template <class U>
+template <class T>
 struct FlipOp {
-  static constexpr int kLanes = FlipLanes<U>();
+  static constexpr int kLanes = kFlipLanes<T>;
   static constexpr int kStep = 2 * kLanes;
-  const U* src;
-  U* dst;
+  const T* src;
+  T* dst;
   long long n;
   void Scalar(long long i) { dst[i] = src[n - 1 - i]; }
   void Vector(long long i) {
-    const U* s = src + n - i - kStep;
+    const T* s = src + n - i - kStep;
     auto hi = LoadReversed(s + kLanes), lo = LoadReversed(s);
-    StoreVec(hi, dst + i);
-    StoreVec(lo, dst + i + kLanes);
+    StoreLanes(hi, dst + i);
+    StoreLanes(lo, dst + i + kLanes);
   }
 };
 
-template <class U>
-void ownsFlip(const U* src, U* dst, long long n) {
-  FlipOp<U> op{src, dst, n};
+template <class T>
+void ownsFlip(const T* src, T* dst, long long n) {
+  FlipOp<T> op{src, dst, n};
   ForEachAligned(dst, n, op);
 }
 
-template <class U>
-inline void Exchange(U& a, U& b) {
-  U t = a;
+template <class T>
+inline void Exchange(T& a, T& b) {
+  T t = a;
   a = b;
   b = t;
 }
 
 // In place: elements i and n - 1 - i exchange places for i < n / 2; whole vectors from both
 // ends while they do not meet, the aligned side being the front.
-template <class U>
-void ownsFlip_I(U* p, long long n) {
-  constexpr int kLanes = FlipLanes<U>();
+template <class T>
+void ownsFlip_I(T* p, long long n) {
+  constexpr int kLanes = kFlipLanes<T>;
   long long i = 0;
   const long long half = n / 2;
-  long long head = AlignHead(p, half);
+  const long long head = AlignHead(p, half);
   for (; i < head; ++i) Exchange(p[i], p[n - 1 - i]);
   for (; i + kLanes <= half; i += kLanes) {
-    U* back = p + n - i - kLanes;
+    T* back = p + n - i - kLanes;
     auto f = LoadReversed(p + i), b = LoadReversed(back);
-    StoreVec(b, p + i);
-    StoreVec(f, back);
+    StoreLanes(b, p + i);
+    StoreLanes(f, back);
   }
   for (; i < half; ++i) Exchange(p[i], p[n - 1 - i]);
 }
@@ -174,16 +173,14 @@ void ownsFlip_I(U* p, long long n) {
 template <class T>
 VspStatus Flip(const T* pSrc, T* pDst, int len) {
   if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
-  using U = std::conditional_t<sizeof(T) == 16, Bits128, BitsOf<sizeof(T) == 16 ? 8 : sizeof(T)>>;
-  ownsFlip(reinterpret_cast<const U*>(pSrc), reinterpret_cast<U*>(pDst), len);
+  ownsFlip(pSrc, pDst, len);
   return vspStatOk;
 }
 
 template <class T>
 VspStatus FlipInPlace(T* pSrcDst, int len) {
   if (VspStatus st = CheckVec(len, pSrcDst)) return st;
-  using U = std::conditional_t<sizeof(T) == 16, Bits128, BitsOf<sizeof(T) == 16 ? 8 : sizeof(T)>>;
-  ownsFlip_I(reinterpret_cast<U*>(pSrcDst), len);
+  ownsFlip_I(pSrcDst, len);
   return vspStatOk;
 }
 

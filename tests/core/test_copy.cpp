@@ -33,11 +33,10 @@ std::vector<int> Lengths() {
   return lens;
 }
 
-// Start offsets (bytes past a 16-byte boundary) that keep elements naturally aligned.
+// Every start offset (bytes past a 16-byte boundary) that the element's alignment allows.
 template <class T> std::vector<size_t> Offsets() {
   std::vector<size_t> offs;
-  size_t step = sizeof(T) < 8 ? sizeof(T) : (sizeof(T) == 8 ? 4 : 8);
-  for (size_t o = 0; o < 16; o += step) offs.push_back(o);
+  for (size_t o = 0; o < 16; o += alignof(T)) offs.push_back(o);
   return offs;
 }
 

@@ -70,7 +70,7 @@ TEST(Flip, ReversesTheElementOrder) {
   ForEachType(TypeList<Vsp8u, Vsp16u, Vsp32f, Vsp32fc, Vsp64f, Vsp64fc>{}, []<class T>() {
     const FlipFns<T> f = Flips<T>();
     Rng rng(9);
-    const size_t step = sizeof(T) >= 8 ? 8 : sizeof(T);
+    const size_t step = alignof(T);
     for (int n : Lengths()) {
       for (size_t off = 0; off < 16; off += step) {
         GuardedVec<T> src(n, (16 - off) % 16), dst(n, off);
