@@ -112,6 +112,13 @@ typedef enum {
   vsp64f = 19, vsp64fc = 20
 } VspDataType;
 
+/* Rounding of the functions that take a rndMode (conversions, vspsDiv_Round_*). */
+typedef enum {
+  vspRndZero = 0,     /* toward zero (truncation) */
+  vspRndNear = 1,     /* to nearest, ties to even */
+  vspRndHalfAway = 2  /* to nearest, ties away from zero */
+} VspRoundMode;
+
 /* Relation operator of vspsThreshold_*: threshold from below or from above. */
 typedef enum { RelOpLess = 0, RelOpGreater = 4 } VspRelOp;
 
