@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "harness.h"
+#include "machine_limits.h"
 #include "peers/core.h"
 
 namespace vspbench {
@@ -31,6 +32,34 @@ Body Fill(F f) {
       benchmark::ClobberMemory();
     }
   };
+}
+
+// The SSE limit of a case that reads and writes `width` bytes per element (sizes rounded down to
+// whole 64-byte blocks; in cache only, up to 256 KiB).
+void RegisterCopyLimit(const char* kase, const std::vector<long long>& sizes, size_t width) {
+  std::vector<long long> inCache;
+  for (long long n : sizes)
+    if (n * static_cast<long long>(width) >= 64 && n * static_cast<long long>(width) <= (256 << 10)) inCache.push_back(n);
+  Register(kase, "limit", inCache, 2.0 * width, [width](benchmark::State& st, long long n) {
+    Buffer<unsigned char> src(n * width), dst(n * width);
+    for (auto _ : st) {
+      LimitCopy(src.data, dst.data, n * width & ~size_t{63});
+      benchmark::ClobberMemory();
+    }
+  });
+}
+
+void RegisterStoreLimit(const char* kase, const std::vector<long long>& sizes, size_t width) {
+  std::vector<long long> inCache;
+  for (long long n : sizes)
+    if (n * static_cast<long long>(width) >= 64 && n * static_cast<long long>(width) <= (256 << 10)) inCache.push_back(n);
+  Register(kase, "limit", inCache, static_cast<double>(width), [width](benchmark::State& st, long long n) {
+    Buffer<unsigned char> dst(n * width);
+    for (auto _ : st) {
+      LimitStore(dst.data, n * width & ~size_t{63});
+      benchmark::ClobberMemory();
+    }
+  });
 }
 
 const int kRegistered = [] {
@@ -75,6 +104,18 @@ const int kRegistered = [] {
   for (long long b : bytes) triples.push_back(b / 3 > 0 ? b / 3 : 1);
   Register("SwapBytes_24u", "vsp", triples, 6, Unary<Vsp8u>([](auto s, auto d, long long n) { vspsSwapBytes_24u(s, d, static_cast<int>(n)); }, 3));
   Register("SwapBytes_24u", "loop", triples, 6, Unary<Vsp8u>(loop_sse3::Swap24u, 3));
+
+  RegisterCopyLimit("Copy_8u", bytes, 1);
+  RegisterStoreLimit("Zero_8u", bytes, 1);
+  RegisterStoreLimit("Set_32f", floats, 4);
+  RegisterCopyLimit("Flip_8u", bytes, 1);
+  RegisterCopyLimit("Flip_16u", shorts, 2);
+  RegisterCopyLimit("Flip_32f", floats, 4);
+  RegisterCopyLimit("Flip_64fc", cplx, 16);
+  RegisterCopyLimit("SwapBytes_16u", shorts, 2);
+  RegisterCopyLimit("SwapBytes_32u", floats, 4);
+  RegisterCopyLimit("SwapBytes_64u", longs, 8);
+  RegisterCopyLimit("SwapBytes_24u", triples, 3);
   return 0;
 }();
 

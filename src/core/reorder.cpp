@@ -24,14 +24,18 @@ U ByteSwap(U x) {
 
 template <class U>
 struct SwapOp {
-  static constexpr int kStep = 2 * hw::kLanes<U>;
+  static constexpr int kLanes = hw::kLanes<U>;
+  static constexpr int kStep = 4 * kLanes;
   const U* src;
   U* dst;
   void Scalar(long long i) { dst[i] = ByteSwap(src[i]); }
   void Vector(long long i) {
-    auto a = hw::LoadU(src + i), b = hw::LoadU(src + i + kStep / 2);
+    auto a = hw::LoadU(src + i), b = hw::LoadU(src + i + kLanes), c = hw::LoadU(src + i + 2 * kLanes),
+         d = hw::LoadU(src + i + 3 * kLanes);
     hw::StoreU(hw::ReverseBytesInLanes(a), dst + i);
-    hw::StoreU(hw::ReverseBytesInLanes(b), dst + i + kStep / 2);
+    hw::StoreU(hw::ReverseBytesInLanes(b), dst + i + kLanes);
+    hw::StoreU(hw::ReverseBytesInLanes(c), dst + i + 2 * kLanes);
+    hw::StoreU(hw::ReverseBytesInLanes(d), dst + i + 3 * kLanes);
   }
 };
 
