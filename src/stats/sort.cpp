@@ -55,11 +55,28 @@ int ownsSortMoveNaNsBack(SortView<T, kIndex> s, int n) {
 // Selection: the extreme of [lo, hi] (the first one found) goes to hi, and the range shrinks.
 template <bool kDescend, class T, bool kIndex>
 inline void ownsSortSelect(SortView<T, kIndex> s, int lo, int hi) {
+  // Two running extremes, over the even and the odd offsets, updated without branches: the two
+  // chains of dependent comparisons run side by side. Of equal extremes the one at the lower
+  // position wins, as in a single scan with the strict comparison.
   for (; hi > lo; --hi) {
-    int best = lo;
-    for (int k = lo + 1; k <= hi; ++k)
-      if (After<kDescend>(s.v[k], s.v[best])) best = k;
-    s.Swap(best, hi);
+    int best0 = lo, best1 = lo + 1;
+    T ext0 = s.v[lo], ext1 = s.v[lo + 1];
+    int k = lo + 2;
+    for (; k < hi; k += 2) {
+      const T x0 = s.v[k], x1 = s.v[k + 1];
+      const bool later0 = After<kDescend>(x0, ext0), later1 = After<kDescend>(x1, ext1);
+      best0 = later0 ? k : best0;
+      ext0 = later0 ? x0 : ext0;
+      best1 = later1 ? k + 1 : best1;
+      ext1 = later1 ? x1 : ext1;
+    }
+    if (k == hi) {
+      const bool later0 = After<kDescend>(s.v[k], ext0);
+      best0 = later0 ? k : best0;
+      ext0 = later0 ? s.v[k] : ext0;
+    }
+    const bool odd = After<kDescend>(ext1, ext0) || (!After<kDescend>(ext0, ext1) && best1 < best0);
+    s.Swap(odd ? best1 : best0, hi);
   }
 }
 

@@ -11,6 +11,7 @@
 #include "core/check.h"
 #include "core/copy.h"
 #include "core/impl.h"
+#include "core/simd/sse3_sort.h"
 #include "core/types.h"
 
 namespace {
@@ -67,10 +68,24 @@ inline BitsOf<sizeof(T)> RadixKey(BitsOf<sizeof(T)> u) {
 
 // ---- the passes --------------------------------------------------------------------------------
 
+// Turns the histogram of one digit, `buckets` counters of type C at h (any alignment), into bucket
+// starts: exclusive running totals, one vector of counters (four 32-bit or two 64-bit) per step.
+template <class C>
+void ownsRadixBucketStarts(Vsp8u* h, C buckets) {
+  namespace hw = vsp::simd;
+  C* counts = reinterpret_cast<C*>(h);  // only used by unaligned vector loads and stores
+  auto carry = hw::Zero<C>();
+  for (C b = 0; b < buckets; b += hw::kLanes<C>) {
+    const auto inclusive = hw::InclusiveScan(hw::LoadU(counts + b));
+    hw::StoreU(hw::Add(hw::ShiftBytesUp<sizeof(C)>(inclusive), carry), counts + b);
+    carry = hw::Add(carry, hw::BroadcastLast(inclusive));
+  }
+}
+
 // Zeroes the histograms, counts every digit of the n keys keyAt(0 .. n-1) in one pass, turns each
-// histogram into bucket starts (exclusive running totals, two buckets per step) and lists in
-// `active` the digits whose keys are not all alike: the others would move nothing. Returns the
-// number of active digits.
+// histogram into bucket starts and lists in `active` the digits whose keys are not all alike (the
+// bucket of the first key's digit holds all n): the others would move nothing. Returns the number
+// of active digits.
 template <class U, class C, class KeyAt>
 int ownsRadixCount(C n, KeyAt keyAt, Cell<C>* hist, int* active) {
   constexpr DigitLayout kDigits = DigitsOf(sizeof(U));
@@ -86,20 +101,14 @@ int ownsRadixCount(C n, KeyAt keyAt, Cell<C>* hist, int* active) {
       h += C{1} << kDigits.bits[d];
     }
   }
-  int passes = 0;
+  const U first = keyAt(0);
+  int passes = 0, shift = 0;
   Cell<C>* h = hist;
   for (int d = 0; d < kDigits.count; ++d) {
     const C buckets = C{1} << kDigits.bits[d];
-    C sum = 0;
-    bool alike = false;
-    for (C b = 0; b < buckets; b += 2) {
-      const C c0 = h[b].v, c1 = h[b + 1].v;
-      alike = alike || c0 == n || c1 == n;
-      h[b].v = sum;
-      h[b + 1].v = sum + c0;
-      sum += c0 + c1;
-    }
-    if (!alike) active[passes++] = d;
+    if (h[(first >> shift) & (buckets - 1)].v != n) active[passes++] = d;
+    ownsRadixBucketStarts(reinterpret_cast<Vsp8u*>(h), buckets);
+    shift += kDigits.bits[d];
     h += buckets;
   }
   return passes;
