@@ -12,23 +12,31 @@ using namespace vsp::stats;
 // ---- float and double kernels --------------------------------------------------------------------
 
 // Sums elements of T (32f, 32fc, 64f, 64fc) widened to double in eight lanes; the head and tail
-// go into lane pair 0. kSquares also sums x * x (real data) as the second quantity.
+// go into lane pair 0. kSquares (real data) sums y = x - shift and y * y instead: the moments of
+// the deviations.
 template <class T, bool kSquares = false>
 struct DoubleSumOp {
   static constexpr int kStep = Widen<T>::kStep;
   Widen<T> src;
+  Vsp64f shift = 0;
   DoubleLanes<kSquares ? 2 : 1> acc;
   void Scalar(long long i) {
     F64 x = src.Elem(i);
+    if constexpr (kSquares) {
+      x = hw::Sub(x, hw::SetLo(shift));
+      acc.Add(1, 0, hw::Mul(x, x));
+    }
     acc.Add(0, 0, x);
-    if constexpr (kSquares) acc.Add(1, 0, hw::Mul(x, x));
   }
   void Vector(long long i) {
     F64 v[4];
     src.Step(i, v);
     for (int k = 0; k < 4; ++k) {
+      if constexpr (kSquares) {
+        v[k] = hw::Sub(v[k], hw::Set1(shift));
+        acc.Add(1, k, hw::Mul(v[k], v[k]));
+      }
       acc.Add(0, k, v[k]);
-      if constexpr (kSquares) acc.Add(1, k, hw::Mul(v[k], v[k]));
     }
   }
   // The total of quantity k: one double, or (re, im) for complex data.
@@ -45,33 +53,44 @@ Pair ownsSumDouble(const T* p, long long n) {
 // The fast float sums: elements before the first 16-byte boundary widened into the double
 // totals one by one; then blocks whose float lanes (sixteen, in four accumulators; the block's
 // last elements into lane 0, or lanes 0-1 for complex data) are folded and added in double.
-// kSquares also sums x * x (real data).
+// kSquares (real data) sums y = x - shift (in float) and y * y instead.
 template <class T, bool kSquares = false>
 struct FloatBlockSumOp {
   static constexpr int kWidth = kIsComplex<T> ? 2 : 1;
   static constexpr int kStep = 16 / kWidth;
   const Vsp32f* p;
+  Vsp32f shift = 0;
   FloatLanes<kSquares ? 2 : 1> acc{};
   Pair sum{}, squares{};
 
   void Head(long long i) {
     const Vsp32f* e = p + i * kWidth;
-    sum.re += e[0];
-    if constexpr (kWidth == 2) sum.im += e[1];
-    if constexpr (kSquares) squares.re += static_cast<Vsp64f>(e[0]) * e[0];
+    if constexpr (kSquares) {
+      const Vsp64f y = static_cast<Vsp64f>(e[0]) - shift;
+      sum.re += y, squares.re += y * y;
+    } else {
+      sum.re += e[0];
+      if constexpr (kWidth == 2) sum.im += e[1];
+    }
+  }
+  void Add(int k, F32 x) {
+    if constexpr (kSquares) {
+      x = hw::Sub(x, hw::Set1(shift));
+      acc.Add(1, k, hw::Mul(x, x));
+    }
+    acc.Add(0, k, x);
   }
   void Vector(long long i) {
     const Vsp32f* e = p + i * kWidth;
-    for (int k = 0; k < 4; ++k) {
-      F32 x = hw::LoadU(e + 4 * k);
-      acc.Add(0, k, x);
-      if constexpr (kSquares) acc.Add(1, k, hw::Mul(x, x));
-    }
+    for (int k = 0; k < 4; ++k) Add(k, hw::LoadU(e + 4 * k));
   }
   void Scalar(long long i) {
-    F32 x = kWidth == 2 ? hw::LoadLo2(p + 2 * i) : hw::SetLo(p[i]);
-    acc.Add(0, 0, x);
-    if constexpr (kSquares) acc.Add(1, 0, hw::Mul(x, x));
+    if constexpr (kSquares) {  // the shift applies to lane 0 only
+      F32 y = hw::SetLo(p[i] - shift);
+      acc.Add(1, 0, hw::Mul(y, y)), acc.Add(0, 0, y);
+    } else {
+      acc.Add(0, 0, kWidth == 2 ? hw::LoadLo2(p + 2 * i) : hw::SetLo(p[i]));
+    }
   }
   void Flush() {
     AddParts(sum, acc.Fold(0));
@@ -100,20 +119,22 @@ Pair ownsSum_32f(const T* p, long long n, VspHintAlgorithm hint) {
   return op.sum;
 }
 
-// S1 = sum x and S2 = sum x * x of a real float or double vector.
+// S1 = sum y and S2 = sum y * y of a real float or double vector, y = x - p[0]: the deviation
+// does not change with the shift, which keeps n*S2 - S1*S1 free of the cancellation of large
+// means and makes it exactly 0 for all-equal data.
 struct Moments {
-  Vsp64f s1, s2;
+  Vsp64f s1, s2, shift;
 };
 template <class T>
 Moments ownsMomentsDouble(const T* p, long long n) {
-  DoubleSumOp<T, true> op{Widen<T>(p)};
+  DoubleSumOp<T, true> op{Widen<T>(p), static_cast<Vsp64f>(p[0])};
   ForEachAligned(p, n, op);
-  return {op.Result(0).re, op.Result(1).re};
+  return {op.Result(0).re, op.Result(1).re, op.shift};
 }
 Moments ownsMomentsFast_32f(const Vsp32f* p, long long n) {
-  FloatBlockSumOp<Vsp32f, true> op{p};
+  FloatBlockSumOp<Vsp32f, true> op{p, p[0]};
   Blocked(p, n, kFastMomentBlock, op);
-  return {op.sum.re, op.squares.re};
+  return {op.sum.re, op.squares.re, op.shift};
 }
 
 // sqrt(max(0, n*S2 - S1*S1) / (n*(n-1))) in double.
@@ -303,7 +324,7 @@ VspStatus StdDevFloat(const T* pSrc, int len, T* pMean, T* pStdDev, bool fast) {
   Moments m;
   if constexpr (std::is_same_v<T, Vsp32f>) m = fast ? ownsMomentsFast_32f(pSrc, len) : ownsMomentsDouble(pSrc, len);
   else m = ownsMomentsDouble(pSrc, len);
-  if (pMean) *pMean = static_cast<T>(m.s1 / len);
+  if (pMean) *pMean = static_cast<T>(m.shift + m.s1 / len);
   *pStdDev = static_cast<T>(StdDevOf(m, len));
   return vspStatOk;
 }
