@@ -2,6 +2,7 @@
 // element-wise MaxEvery / MinEvery.
 #include <bit>
 #include <cmath>
+#include <initializer_list>
 
 #include "core/check.h"
 #include "core/impl.h"
@@ -37,55 +38,58 @@ struct Key {
 template <class T, bool kMax>
 struct Choose {
   static bool Better(T x, T best) { return kMax ? x > best : x < best; }
-  static hw::Vec<T> Of(hw::Vec<T> x, hw::Vec<T> best) { return kMax ? hw::Max(x, best) : hw::Min(x, best); }
+  static hw::Vec<T> Of(hw::Vec<T> x, hw::Vec<T> best) {
+    if constexpr (hw::kIsInt<T>)  // exact: the operand order only lets the result stay in place
+      return kMax ? hw::Max(best, x) : hw::Min(best, x);
+    else
+      return kMax ? hw::Max(x, best) : hw::Min(x, best);
+  }
 };
 
 // ---- one-pass extremes ------------------------------------------------------------------------------
 
 // The smallest and/or largest key of n elements, every lane and the scalar runs starting from
-// `init`; four accumulators per extreme.
+// `init`: a scalar head until p is 16-byte aligned, four vectors per step, a scalar tail. The
+// accumulators are locals of one loop so that they stay in registers.
 template <class T, bool kAbs, bool kWantMin, bool kWantMax>
-struct ExtremeOp {
-  static constexpr int kL = hw::kLanes<T>;
-  static constexpr int kStep = 4 * kL;
-  using K = Key<T, kAbs>;
-  const T* p;
-  hw::Vec<T> lo[4], hi[4];
-  T sLo, sHi;
-
-  ExtremeOp(const T* src, T init) : p(src), sLo(init), sHi(init) {
-    for (int j = 0; j < 4; ++j) lo[j] = hi[j] = hw::Set1(init);
-  }
-  void Scalar(long long i) {
-    T k = K::Of(p[i]);
-    if (kWantMin && Choose<T, false>::Better(k, sLo)) sLo = k;
-    if (kWantMax && Choose<T, true>::Better(k, sHi)) sHi = k;
-  }
-  void Vector(long long i) {
-    for (int j = 0; j < 4; ++j) {
-      hw::Vec<T> k = K::Of(hw::LoadU(p + i + j * kL));
-      if constexpr (kWantMin) lo[j] = Choose<T, false>::Of(k, lo[j]);
-      if constexpr (kWantMax) hi[j] = Choose<T, true>::Of(k, hi[j]);
-    }
-  }
-  template <bool kMax>
-  T Fold(const hw::Vec<T>* acc, T best) const {
-    for (int j = 0; j < 4; ++j) {
-      hw::Lanes<T> l(acc[j]);
-      for (T x : l.v)
-        if (Choose<T, kMax>::Better(x, best)) best = x;
-    }
-    return best;
-  }
-  T Min() const { return Fold<false>(lo, sLo); }
-  T Max() const { return Fold<true>(hi, sHi); }
+struct Extremes {
+  T lo, hi;
 };
+template <class T, bool kAbs, bool kWantMin, bool kWantMax>
+Extremes<T, kAbs, kWantMin, kWantMax> ownsExtremes(const T* p, long long n, T init) {
+  using K = Key<T, kAbs>;
+  using Lo = Choose<T, false>;
+  using Hi = Choose<T, true>;
+  constexpr int kL = hw::kLanes<T>;
+  T sLo = init, sHi = init;
+  auto scalar = [&](long long i) {
+    const T k = K::Of(p[i]);
+    if (kWantMin && Lo::Better(k, sLo)) sLo = k;
+    if (kWantMax && Hi::Better(k, sHi)) sHi = k;
+  };
+  long long i = 0;
+  for (const long long head = AlignHead(p, n); i < head; ++i) scalar(i);
+  hw::Vec<T> lo0 = hw::Set1(init), lo1 = lo0, lo2 = lo0, lo3 = lo0, hi0 = lo0, hi1 = lo0, hi2 = lo0, hi3 = lo0;
+  for (; i + 4 * kL <= n; i += 4 * kL) {
+    const hw::Vec<T> k0 = K::Of(hw::Load(p + i)), k1 = K::Of(hw::Load(p + i + kL)),
+                     k2 = K::Of(hw::Load(p + i + 2 * kL)), k3 = K::Of(hw::Load(p + i + 3 * kL));
+    if constexpr (kWantMin) lo0 = Lo::Of(k0, lo0), lo1 = Lo::Of(k1, lo1), lo2 = Lo::Of(k2, lo2), lo3 = Lo::Of(k3, lo3);
+    if constexpr (kWantMax) hi0 = Hi::Of(k0, hi0), hi1 = Hi::Of(k1, hi1), hi2 = Hi::Of(k2, hi2), hi3 = Hi::Of(k3, hi3);
+  }
+  for (; i < n; ++i) scalar(i);
+  auto fold = [](auto choose, T best, std::initializer_list<hw::Vec<T>> acc) {
+    for (hw::Vec<T> v : acc)
+      for (T x : hw::Lanes<T>(v).v)
+        if (decltype(choose)::Better(x, best)) best = x;
+    return best;
+  };
+  return {fold(Lo{}, sLo, {lo0, lo1, lo2, lo3}), fold(Hi{}, sHi, {hi0, hi1, hi2, hi3})};
+}
 
 template <class T, bool kAbs, bool kMax>
 T ownsExtreme(const T* p, long long n, T init) {
-  ExtremeOp<T, kAbs, !kMax, kMax> op(p, init);
-  ForEachAligned(p, n, op);
-  return kMax ? op.Max() : op.Min();
+  auto e = ownsExtremes<T, kAbs, !kMax, kMax>(p, n, init);
+  return kMax ? e.hi : e.lo;
 }
 
 // The first index i < n whose key equals m (n when there is none).
@@ -153,9 +157,8 @@ VspStatus ExtremeIndx(const T* pSrc, int len, T* pValue, int* pIndx) {
 template <class T>
 VspStatus MinMax(const T* pSrc, int len, T* pMin, T* pMax) {
   if (VspStatus st = CheckVec(len, pSrc, pMin, pMax)) return st;
-  ExtremeOp<T, false, true, true> op(pSrc, pSrc[0]);
-  ForEachAligned(pSrc, len, op);
-  *pMin = op.Min(), *pMax = op.Max();
+  auto e = ownsExtremes<T, false, true, true>(pSrc, len, pSrc[0]);
+  *pMin = e.lo, *pMax = e.hi;
   return vspStatOk;
 }
 
@@ -164,13 +167,12 @@ VspStatus MinMax(const T* pSrc, int len, T* pMin, T* pMax) {
 template <class T>
 VspStatus MinMaxIndx(const T* pSrc, int len, T* pMin, int* pMinIndx, T* pMax, int* pMaxIndx) {
   if (VspStatus st = CheckVec(len, pSrc, pMin, pMinIndx, pMax, pMaxIndx)) return st;
-  ExtremeOp<T, false, true, true> op(pSrc, pSrc[0]);
-  ForEachAligned(pSrc, len, op);
+  auto e = ownsExtremes<T, false, true, true>(pSrc, len, pSrc[0]);
   auto first = [&](T m) {
     long long at = ownsFirstEqual<T, false>(pSrc, len, m);
     return at < len ? at : 0;
   };
-  const long long lo = first(op.Min()), hi = first(op.Max());
+  const long long lo = first(e.lo), hi = first(e.hi);
   *pMin = pSrc[lo], *pMinIndx = static_cast<int>(lo);
   *pMax = pSrc[hi], *pMaxIndx = static_cast<int>(hi);
   return vspStatOk;
