@@ -67,10 +67,11 @@ struct Widen {
 
 // ---- accumulators ------------------------------------------------------------------------------
 
-// kSums quantities, each in four accumulators of lanes of B.
-template <class B, int kSums>
+// kSums quantities, each in kAcc accumulators of lanes of B (four unless a kernel needs more
+// independent chains to hide the add latency).
+template <class B, int kSums, int kAcc = 4>
 struct Accumulators {
-  hw::Vec<B> a[kSums][4];
+  hw::Vec<B> a[kSums][kAcc];
   Accumulators() { Clear(); }
   void Clear() {
     for (auto& quantity : a)
@@ -78,11 +79,17 @@ struct Accumulators {
   }
   // Adds x to accumulator j of quantity k.
   void Add(int k, int j, hw::Vec<B> x) { a[k][j] = hw::Add(a[k][j], x); }
-  // (a0 + a1) + (a2 + a3) of quantity k.
-  hw::Vec<B> Fold(int k) const { return hw::Add(hw::Add(a[k][0], a[k][1]), hw::Add(a[k][2], a[k][3])); }
+  // The pairwise fold of quantity k: (a0 + a1) + (a2 + a3), and so on for more accumulators.
+  hw::Vec<B> Fold(int k) const {
+    hw::Vec<B> v[kAcc];
+    for (int j = 0; j < kAcc; ++j) v[j] = a[k][j];
+    for (int width = kAcc; width > 1; width /= 2)
+      for (int j = 0; j < width / 2; ++j) v[j] = hw::Add(v[2 * j], v[2 * j + 1]);
+    return v[0];
+  }
 };
 template <int kSums> using DoubleLanes = Accumulators<Vsp64f, kSums>;
-template <int kSums> using FloatLanes = Accumulators<Vsp32f, kSums>;
+template <int kSums, int kAcc = 4> using FloatLanes = Accumulators<Vsp32f, kSums, kAcc>;
 
 // A real or complex double result.
 struct Pair {

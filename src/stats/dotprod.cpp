@@ -12,10 +12,11 @@ using namespace vsp::stats;
 
 // ---- complex products as four sums --------------------------------------------------------------------
 
-// A complex product a * b is accumulated as two lane pairs: a * DupRe(b) = (ar br, ai br) and
-// a * DupIm(b) = (ar bi, ai bi); a real a (duplicated into both lanes) needs only the first.
-// The sums combine at the end as re = sum(ar br) - sum(ai bi), im = sum(ai br) + sum(ar bi).
-inline Pair Combine(Pair byRe, Pair byIm) { return {byRe.re - byIm.im, byRe.im + byIm.re}; }
+// A complex product a * b is accumulated as two lane pairs: straight a * b = (ar br, ai bi) and
+// crossed a * SwapReIm(b) = (ar bi, ai br); a real a (duplicated into both lanes) needs only the
+// straight one. The sums combine at the end as re = sum(ar br) - sum(ai bi) and
+// im = sum(ar bi) + sum(ai br).
+inline Pair Combine(Pair straight, Pair crossed) { return {straight.re - straight.im, crossed.re + crossed.im}; }
 
 // Operand shapes: R real x real, C complex x complex, M real x complex.
 enum class Shape { kR, kC, kM };
@@ -32,19 +33,19 @@ struct FloatDotOp {
   const Vsp32f* a;
   const Vsp32f* b;
   FloatLanes<kSums> acc{};
-  Pair byRe{}, byIm{};  // double totals
+  Pair straight{}, crossed{};  // double totals
 
   // Element i as double lanes (head) or as float lanes 0-1 (tail): (a, b) values.
   void Head(long long i) {
     if constexpr (kShape == Shape::kR) {
-      byRe.re += static_cast<Vsp64f>(a[i]) * b[i];
+      straight.re += static_cast<Vsp64f>(a[i]) * b[i];
     } else {
       const Vsp64f ar = a[kShape == Shape::kC ? 2 * i : i], ai = kShape == Shape::kC ? a[2 * i + 1] : 0;
       const Vsp64f br = b[2 * i], bi = b[2 * i + 1];
       if constexpr (kShape == Shape::kC) {
-        byRe.re += ar * br, byRe.im += ai * br, byIm.re += ar * bi, byIm.im += ai * bi;
+        straight.re += ar * br, straight.im += ai * bi, crossed.re += ar * bi, crossed.im += ai * br;
       } else {
-        byRe.re += ar * br, byRe.im += ar * bi;
+        straight.re += ar * br, straight.im += ar * bi;
       }
     }
   }
@@ -52,8 +53,8 @@ struct FloatDotOp {
     if constexpr (kShape == Shape::kR) {
       acc.Add(0, k, hw::Mul(x, y));
     } else if constexpr (kShape == Shape::kC) {
-      acc.Add(0, k, hw::Mul(x, hw::DupRe(y)));
-      acc.Add(1, k, hw::Mul(x, hw::DupIm(y)));
+      acc.Add(0, k, hw::Mul(x, y));
+      acc.Add(1, k, hw::Mul(x, hw::SwapReIm(y)));
     } else {
       acc.Add(0, k, hw::Mul(x, y));  // x holds each real value twice
     }
@@ -76,18 +77,18 @@ struct FloatDotOp {
   }
   void Flush() {
     if constexpr (kShape == Shape::kR) {
-      byRe.re += Total(acc.Fold(0));
+      straight.re += Total(acc.Fold(0));
     } else {
       Pair r = Parts(acc.Fold(0));
-      byRe.re += r.re, byRe.im += r.im;
+      straight.re += r.re, straight.im += r.im;
       if constexpr (kShape == Shape::kC) {
         Pair m = Parts(acc.Fold(1));
-        byIm.re += m.re, byIm.im += m.im;
+        crossed.re += m.re, crossed.im += m.im;
       }
     }
     acc.Clear();
   }
-  Pair Result() const { return kShape == Shape::kC ? Combine(byRe, byIm) : byRe; }
+  Pair Result() const { return kShape == Shape::kC ? Combine(straight, crossed) : straight; }
 };
 constexpr long long kDotBlock = 4096;
 
@@ -107,8 +108,8 @@ struct DoubleDotOp {
     if constexpr (kShape == Shape::kR) {
       acc.Add(0, k, hw::Mul(u, v));
     } else if constexpr (kShape == Shape::kC) {
-      acc.Add(0, k, hw::Mul(u, hw::DupRe(v)));
-      acc.Add(1, k, hw::Mul(u, hw::DupIm(v)));
+      acc.Add(0, k, hw::Mul(u, v));
+      acc.Add(1, k, hw::Mul(u, hw::SwapReIm(v)));
     } else {
       acc.Add(0, k, hw::Mul(u, v));  // u holds the real value twice
     }

@@ -2,7 +2,6 @@
 // element-wise MaxEvery / MinEvery.
 #include <bit>
 #include <cmath>
-#include <initializer_list>
 
 #include "core/check.h"
 #include "core/impl.h"
@@ -49,18 +48,20 @@ struct Choose {
 // ---- one-pass extremes ------------------------------------------------------------------------------
 
 // The smallest and/or largest key of n elements, every lane and the scalar runs starting from
-// `init`: a scalar head until p is 16-byte aligned, four vectors per step, a scalar tail. The
-// accumulators are locals of one loop so that they stay in registers.
-template <class T, bool kAbs, bool kWantMin, bool kWantMax>
+// `init`: a scalar head until p is 16-byte aligned, vector steps, a scalar tail. One extreme
+// keeps eight accumulators (enough independent chains to keep pace with the loads), both keep
+// four each; they are locals of one loop so that they stay in registers.
+template <class T>
 struct Extremes {
   T lo, hi;
 };
 template <class T, bool kAbs, bool kWantMin, bool kWantMax>
-Extremes<T, kAbs, kWantMin, kWantMax> ownsExtremes(const T* p, long long n, T init) {
+Extremes<T> ownsExtremes(const T* p, long long n, T init) {
   using K = Key<T, kAbs>;
   using Lo = Choose<T, false>;
   using Hi = Choose<T, true>;
   constexpr int kL = hw::kLanes<T>;
+  constexpr int kAcc = kWantMin && kWantMax ? 4 : 8;
   T sLo = init, sHi = init;
   auto scalar = [&](long long i) {
     const T k = K::Of(p[i]);
@@ -69,21 +70,23 @@ Extremes<T, kAbs, kWantMin, kWantMax> ownsExtremes(const T* p, long long n, T in
   };
   long long i = 0;
   for (const long long head = AlignHead(p, n); i < head; ++i) scalar(i);
-  hw::Vec<T> lo0 = hw::Set1(init), lo1 = lo0, lo2 = lo0, lo3 = lo0, hi0 = lo0, hi1 = lo0, hi2 = lo0, hi3 = lo0;
-  for (; i + 4 * kL <= n; i += 4 * kL) {
-    const hw::Vec<T> k0 = K::Of(hw::Load(p + i)), k1 = K::Of(hw::Load(p + i + kL)),
-                     k2 = K::Of(hw::Load(p + i + 2 * kL)), k3 = K::Of(hw::Load(p + i + 3 * kL));
-    if constexpr (kWantMin) lo0 = Lo::Of(k0, lo0), lo1 = Lo::Of(k1, lo1), lo2 = Lo::Of(k2, lo2), lo3 = Lo::Of(k3, lo3);
-    if constexpr (kWantMax) hi0 = Hi::Of(k0, hi0), hi1 = Hi::Of(k1, hi1), hi2 = Hi::Of(k2, hi2), hi3 = Hi::Of(k3, hi3);
+  hw::Vec<T> lo[kAcc], hi[kAcc];
+  for (int j = 0; j < kAcc; ++j) lo[j] = hi[j] = hw::Set1(init);
+  for (; i + kAcc * kL <= n; i += kAcc * kL) {
+    for (int j = 0; j < kAcc; ++j) {
+      const hw::Vec<T> k = K::Of(hw::Load(p + i + j * kL));
+      if constexpr (kWantMin) lo[j] = Lo::Of(k, lo[j]);
+      if constexpr (kWantMax) hi[j] = Hi::Of(k, hi[j]);
+    }
   }
   for (; i < n; ++i) scalar(i);
-  auto fold = [](auto choose, T best, std::initializer_list<hw::Vec<T>> acc) {
-    for (hw::Vec<T> v : acc)
-      for (T x : hw::Lanes<T>(v).v)
+  auto fold = [](auto choose, T best, const hw::Vec<T>* acc) {
+    for (int j = 0; j < kAcc; ++j)
+      for (T x : hw::Lanes<T>(acc[j]).v)
         if (decltype(choose)::Better(x, best)) best = x;
     return best;
   };
-  return {fold(Lo{}, sLo, {lo0, lo1, lo2, lo3}), fold(Hi{}, sHi, {hi0, hi1, hi2, hi3})};
+  return {kWantMin ? fold(Lo{}, sLo, lo) : sLo, kWantMax ? fold(Hi{}, sHi, hi) : sHi};
 }
 
 template <class T, bool kAbs, bool kMax>

@@ -111,14 +111,16 @@ struct DoubleNormOp {
   }
 };
 
-// L1 and L2 of real 32f data with a float result: |x| or x * x in sixteen float lanes over
-// blocks of kNormBlock elements, block partials in double; the head is widened.
+// L1 and L2 of real 32f data with a float result: |x| or x * x in thirty-two float lanes (eight
+// accumulators: enough independent chains to keep pace with the loads) over blocks of kNormBlock
+// elements, block partials folded pairwise and added in double; the head is widened.
 template <bool kDiff, NormKind kKind>
 struct FloatNormOp {
-  static constexpr int kStep = 16;
+  static constexpr int kAcc = 8;
+  static constexpr int kStep = 4 * kAcc;
   const Vsp32f* p;
   const Vsp32f* q;
-  FloatLanes<1> acc{};
+  FloatLanes<1, kAcc> acc{};
   Vsp64f total = 0;
 
   Vsp32f Value(long long i) const { return kDiff ? p[i] - q[i] : p[i]; }
@@ -129,7 +131,7 @@ struct FloatNormOp {
     total += kKind == NormKind::kL1 ? std::fabs(x) : x * x;
   }
   void Vector(long long i) {
-    for (int k = 0; k < 4; ++k) acc.Add(0, k, Map(Values(i + 4 * k)));
+    for (int k = 0; k < kAcc; ++k) acc.Add(0, k, Map(Values(i + 4 * k)));
   }
   void Scalar(long long i) { acc.Add(0, 0, Map(hw::SetLo(Value(i)))); }
   void Flush() {
