@@ -96,6 +96,15 @@ struct Pair {
   Vsp64f re = 0, im = 0;
 };
 
+// Stores a real result (re) or a complex one into *out, converted to the part type of T.
+template <class T>
+void StorePair(T* out, Pair v) {
+  using B = BaseOf<T>;
+  B* o = reinterpret_cast<B*>(out);
+  o[0] = static_cast<B>(v.re);
+  if constexpr (kIsComplex<T>) o[1] = static_cast<B>(v.im);
+}
+
 // The lanes of a folded double vector: their total (real data) or (re, im) (complex data).
 inline Vsp64f Total(F64 v) { return hw::ReduceSum(v); }
 inline Pair Parts(F64 v) {

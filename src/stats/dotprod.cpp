@@ -212,21 +212,13 @@ Vsp32s ScaleRule128(__int128 s, int scaleFactor) {
 
 // ---- implementations ----------------------------------------------------------------------------------
 
-template <class R>
-void StoreResult(R* out, Pair v) {
-  using B = BaseOf<R>;
-  B* o = reinterpret_cast<B*>(out);
-  o[0] = static_cast<B>(v.re);
-  if constexpr (kIsComplex<R>) o[1] = static_cast<B>(v.im);
-}
-
 // Float results: blocked float lanes.
 template <Shape kShape, class A, class B, class R>
 VspStatus DotFloat(const A* pSrc1, const B* pSrc2, int len, R* pDp) {
   if (VspStatus st = CheckVec(len, pSrc1, pSrc2, pDp)) return st;
   FloatDotOp<kShape> op{reinterpret_cast<const Vsp32f*>(pSrc1), reinterpret_cast<const Vsp32f*>(pSrc2)};
   Blocked(pSrc1, len, kDotBlock, op);
-  StoreResult(pDp, op.Result());
+  StorePair(pDp, op.Result());
   return vspStatOk;
 }
 
@@ -244,33 +236,23 @@ VspStatus DotDouble(const A* pSrc1, const B* pSrc2, int len, R* pDp) {
     ForEachAligned(pSrc1, len, op);
     r = op.Result();
   }
-  StoreResult(pDp, r);
+  StorePair(pDp, r);
   return vspStatOk;
 }
 
-// 16s and 16sc operands: the exact sum converted (R float or 64s) or scaled (D the part type).
-template <bool kComplex, class A, class R>
-VspStatus DotInt(const A* pSrc1, const A* pSrc2, int len, R* pDp) {
+// 16s and 16sc operands: each part of the exact sum through `convert` (a conversion to the
+// result type, or the scale-factor rule).
+template <bool kComplex, class A, class R, class Convert>
+VspStatus DotInt(const A* pSrc1, const A* pSrc2, int len, R* pDp, Convert convert) {
   if (VspStatus st = CheckVec(len, pSrc1, pSrc2, pDp)) return st;
   long long s[2];
   ownsDot_16s<kComplex>(reinterpret_cast<const Vsp16s*>(pSrc1), reinterpret_cast<const Vsp16s*>(pSrc2), len, s);
-  using P = BaseOf<R>;
-  P* o = reinterpret_cast<P*>(pDp);
-  o[0] = static_cast<P>(s[0]);
-  if constexpr (kComplex) o[1] = static_cast<P>(s[1]);
+  BaseOf<R>* o = reinterpret_cast<BaseOf<R>*>(pDp);
+  for (int c = 0; c < (kComplex ? 2 : 1); ++c) o[c] = convert(s[c]);
   return vspStatOk;
 }
-template <bool kComplex, class A, class R>
-VspStatus DotIntSfs(const A* pSrc1, const A* pSrc2, int len, R* pDp, int scaleFactor) {
-  if (VspStatus st = CheckVec(len, pSrc1, pSrc2, pDp)) return st;
-  long long s[2];
-  ownsDot_16s<kComplex>(reinterpret_cast<const Vsp16s*>(pSrc1), reinterpret_cast<const Vsp16s*>(pSrc2), len, s);
-  using P = BaseOf<R>;
-  P* o = reinterpret_cast<P*>(pDp);
-  o[0] = ScaleRule<P>(s[0], scaleFactor);
-  if constexpr (kComplex) o[1] = ScaleRule<P>(s[1], scaleFactor);
-  return vspStatOk;
-}
+template <class P> auto Convert() { return [](long long v) { return static_cast<P>(v); }; }
+template <class P> auto Scale(int scaleFactor) { return [scaleFactor](long long v) { return ScaleRule<P>(v, scaleFactor); }; }
 
 }  // namespace
 
@@ -299,22 +281,22 @@ VSP_IMPL(VspStatus, vspsDotProd_64f64fc, (const Vsp64f* pSrc1, const Vsp64fc* pS
   return DotDouble<Shape::kM>(pSrc1, pSrc2, len, pDp);
 }
 VSP_IMPL(VspStatus, vspsDotProd_16s64s, (const Vsp16s* pSrc1, const Vsp16s* pSrc2, int len, Vsp64s* pDp)) {
-  return DotInt<false>(pSrc1, pSrc2, len, pDp);
+  return DotInt<false>(pSrc1, pSrc2, len, pDp, Convert<Vsp64s>());
 }
 VSP_IMPL(VspStatus, vspsDotProd_16s32f, (const Vsp16s* pSrc1, const Vsp16s* pSrc2, int len, Vsp32f* pDp)) {
-  return DotInt<false>(pSrc1, pSrc2, len, pDp);
+  return DotInt<false>(pSrc1, pSrc2, len, pDp, Convert<Vsp32f>());
 }
 VSP_IMPL(VspStatus, vspsDotProd_16sc32fc, (const Vsp16sc* pSrc1, const Vsp16sc* pSrc2, int len, Vsp32fc* pDp)) {
-  return DotInt<true>(pSrc1, pSrc2, len, pDp);
+  return DotInt<true>(pSrc1, pSrc2, len, pDp, Convert<Vsp32f>());
 }
 VSP_IMPL(VspStatus, vspsDotProd_16s_Sfs, (const Vsp16s* pSrc1, const Vsp16s* pSrc2, int len, Vsp16s* pDp, int scaleFactor)) {
-  return DotIntSfs<false>(pSrc1, pSrc2, len, pDp, scaleFactor);
+  return DotInt<false>(pSrc1, pSrc2, len, pDp, Scale<Vsp16s>(scaleFactor));
 }
 VSP_IMPL(VspStatus, vspsDotProd_16s32s_Sfs, (const Vsp16s* pSrc1, const Vsp16s* pSrc2, int len, Vsp32s* pDp, int scaleFactor)) {
-  return DotIntSfs<false>(pSrc1, pSrc2, len, pDp, scaleFactor);
+  return DotInt<false>(pSrc1, pSrc2, len, pDp, Scale<Vsp32s>(scaleFactor));
 }
 VSP_IMPL(VspStatus, vspsDotProd_16sc_Sfs, (const Vsp16sc* pSrc1, const Vsp16sc* pSrc2, int len, Vsp16sc* pDp, int scaleFactor)) {
-  return DotIntSfs<true>(pSrc1, pSrc2, len, pDp, scaleFactor);
+  return DotInt<true>(pSrc1, pSrc2, len, pDp, Scale<Vsp16s>(scaleFactor));
 }
 VSP_IMPL(VspStatus, vspsDotProd_32s_Sfs, (const Vsp32s* pSrc1, const Vsp32s* pSrc2, int len, Vsp32s* pDp, int scaleFactor)) {
   if (VspStatus st = CheckVec(len, pSrc1, pSrc2, pDp)) return st;

@@ -244,24 +244,16 @@ D MeanClamp(long long sum, long long len, int scaleFactor) {
 // ---- implementations ----------------------------------------------------------------------------
 
 template <class T>
-void StoreResult(T* out, Pair v) {
-  using B = BaseOf<T>;
-  B* o = reinterpret_cast<B*>(out);
-  o[0] = static_cast<B>(v.re);
-  if constexpr (kIsComplex<T>) o[1] = static_cast<B>(v.im);
-}
-
-template <class T>
 VspStatus SumFloat(const T* pSrc, int len, T* pSum, VspHintAlgorithm hint) {
   if (VspStatus st = CheckVec(len, pSrc, pSum)) return st;
-  StoreResult(pSum, ownsSum_32f(pSrc, len, hint));
+  StorePair(pSum, ownsSum_32f(pSrc, len, hint));
   return vspStatOk;
 }
 template <class T>
 VspStatus MeanFloat(const T* pSrc, int len, T* pMean, VspHintAlgorithm hint) {
   if (VspStatus st = CheckVec(len, pSrc, pMean)) return st;
   Pair s = ownsSum_32f(pSrc, len, hint);
-  StoreResult(pMean, {s.re / len, s.im / len});
+  StorePair(pMean, {s.re / len, s.im / len});
   return vspStatOk;
 }
 template <class T>
@@ -269,50 +261,34 @@ VspStatus SumDouble(const T* pSrc, int len, T* pSum, bool mean) {
   if (VspStatus st = CheckVec(len, pSrc, pSum)) return st;
   Pair s = ownsSumDouble(pSrc, len);
   if (mean) s.re /= len, s.im /= len;
-  StoreResult(pSum, s);
+  StorePair(pSum, s);
   return vspStatOk;
 }
 
-// Sum_16s32s_Sfs and its relatives: D is the result's part type, kWidth 2 for complex data.
+// Sum_16s32s_Sfs and its relatives, and (mean) the 16-bit means: D is the result's part type,
+// kWidth 2 for complex data.
 template <int kWidth, class D, class R>
-VspStatus Sum16s(const Vsp16s* pSrc, int len, R* pSum, int scaleFactor) {
-  if (VspStatus st = CheckVec(len, pSrc, pSum)) return st;
+VspStatus Sum16s(const Vsp16s* pSrc, int len, R* pOut, int scaleFactor, bool mean) {
+  if (VspStatus st = CheckVec(len, pSrc, pOut)) return st;
   long long s[2];
   ownsSumExact_16s<kWidth>(pSrc, len).Sums(s);
-  D* out = reinterpret_cast<D*>(pSum);
+  D* out = reinterpret_cast<D*>(pOut);
   for (int c = 0; c < kWidth; ++c)
-    out[c] = Saturate<D>(ScaleClampConvert(static_cast<Vsp64f>(s[c]), scaleFactor, kMinOf<Vsp32s>, kMaxOf<Vsp32s>));
-  return vspStatOk;
-}
-template <int kWidth, class R>
-VspStatus Mean16s(const Vsp16s* pSrc, int len, R* pMean, int scaleFactor) {
-  if (VspStatus st = CheckVec(len, pSrc, pMean)) return st;
-  long long s[2];
-  ownsSumExact_16s<kWidth>(pSrc, len).Sums(s);
-  Vsp16s* out = reinterpret_cast<Vsp16s*>(pMean);
-  for (int c = 0; c < kWidth; ++c) out[c] = MeanClamp<Vsp16s>(s[c], len, scaleFactor);
+    out[c] = mean ? MeanClamp<D>(s[c], len, scaleFactor)
+                  : Saturate<D>(ScaleClampConvert(static_cast<Vsp64f>(s[c]), scaleFactor, kMinOf<Vsp32s>, kMaxOf<Vsp32s>));
   return vspStatOk;
 }
 
-// StdDev_16s32s_Sfs (D = Vsp32s) and StdDev_16s_Sfs (D = Vsp16s: 32767 from 32768 on).
+// StdDev_16s32s_Sfs (D = Vsp32s), StdDev_16s_Sfs (D = Vsp16s: 32767 from 32768 on) and, with a
+// pMean, the MeanStdDev forms.
 template <class D>
-VspStatus StdDev16s(const Vsp16s* pSrc, int len, D* pStdDev, int scaleFactor) {
-  if (VspStatus st = CheckVec(len, pSrc, pStdDev)) return st;
+VspStatus Deviation16s(const Vsp16s* pSrc, int len, D* pMean, D* pStdDev, int scaleFactor, bool withMean) {
+  if (VspStatus st = withMean ? CheckVec(len, pSrc, pMean, pStdDev) : CheckVec(len, pSrc, pStdDev)) return st;
   if (len < 2) return vspStatBadSize;
   auto op = ownsSumExact_16s<1, true>(pSrc, len);
   long long s[2];
   op.Sums(s);
-  *pStdDev = Saturate<D>(StdDevScaled(s[0], op.Squares(), len, scaleFactor));
-  return vspStatOk;
-}
-template <class D>
-VspStatus MeanStdDev16s(const Vsp16s* pSrc, int len, D* pMean, D* pStdDev, int scaleFactor) {
-  if (VspStatus st = CheckVec(len, pSrc, pMean, pStdDev)) return st;
-  if (len < 2) return vspStatBadSize;
-  auto op = ownsSumExact_16s<1, true>(pSrc, len);
-  long long s[2];
-  op.Sums(s);
-  *pMean = MeanClamp<D>(s[0], len, scaleFactor);
+  if (withMean) *pMean = MeanClamp<D>(s[0], len, scaleFactor);
   *pStdDev = Saturate<D>(StdDevScaled(s[0], op.Squares(), len, scaleFactor));
   return vspStatOk;
 }
@@ -348,16 +324,16 @@ VSP_SUM_DOUBLE(64f)
 VSP_SUM_DOUBLE(64fc)
 
 VSP_IMPL(VspStatus, vspsSum_16s32s_Sfs, (const Vsp16s* pSrc, int len, Vsp32s* pSum, int scaleFactor)) {
-  return Sum16s<1, Vsp32s>(pSrc, len, pSum, scaleFactor);
+  return Sum16s<1, Vsp32s>(pSrc, len, pSum, scaleFactor, false);
 }
 VSP_IMPL(VspStatus, vspsSum_16s_Sfs, (const Vsp16s* pSrc, int len, Vsp16s* pSum, int scaleFactor)) {
-  return Sum16s<1, Vsp16s>(pSrc, len, pSum, scaleFactor);
+  return Sum16s<1, Vsp16s>(pSrc, len, pSum, scaleFactor, false);
 }
 VSP_IMPL(VspStatus, vspsSum_16sc32sc_Sfs, (const Vsp16sc* pSrc, int len, Vsp32sc* pSum, int scaleFactor)) {
-  return Sum16s<2, Vsp32s>(reinterpret_cast<const Vsp16s*>(pSrc), len, pSum, scaleFactor);
+  return Sum16s<2, Vsp32s>(reinterpret_cast<const Vsp16s*>(pSrc), len, pSum, scaleFactor, false);
 }
 VSP_IMPL(VspStatus, vspsSum_16sc_Sfs, (const Vsp16sc* pSrc, int len, Vsp16sc* pSum, int scaleFactor)) {
-  return Sum16s<2, Vsp16s>(reinterpret_cast<const Vsp16s*>(pSrc), len, pSum, scaleFactor);
+  return Sum16s<2, Vsp16s>(reinterpret_cast<const Vsp16s*>(pSrc), len, pSum, scaleFactor, false);
 }
 VSP_IMPL(VspStatus, vspsSum_32s_Sfs, (const Vsp32s* pSrc, int len, Vsp32s* pSum, int scaleFactor)) {
   if (VspStatus st = CheckVec(len, pSrc, pSum)) return st;
@@ -368,10 +344,10 @@ VSP_IMPL(VspStatus, vspsSum_32s_Sfs, (const Vsp32s* pSrc, int len, Vsp32s* pSum,
 }
 
 VSP_IMPL(VspStatus, vspsMean_16s_Sfs, (const Vsp16s* pSrc, int len, Vsp16s* pMean, int scaleFactor)) {
-  return Mean16s<1>(pSrc, len, pMean, scaleFactor);
+  return Sum16s<1, Vsp16s>(pSrc, len, pMean, scaleFactor, true);
 }
 VSP_IMPL(VspStatus, vspsMean_16sc_Sfs, (const Vsp16sc* pSrc, int len, Vsp16sc* pMean, int scaleFactor)) {
-  return Mean16s<2>(reinterpret_cast<const Vsp16s*>(pSrc), len, pMean, scaleFactor);
+  return Sum16s<2, Vsp16s>(reinterpret_cast<const Vsp16s*>(pSrc), len, pMean, scaleFactor, true);
 }
 VSP_IMPL(VspStatus, vspsMean_32s_Sfs, (const Vsp32s* pSrc, int len, Vsp32s* pMean, int scaleFactor)) {
   if (VspStatus st = CheckVec(len, pSrc, pMean)) return st;
@@ -396,16 +372,16 @@ VSP_IMPL(VspStatus, vspsMeanStdDev_64f, (const Vsp64f* pSrc, int len, Vsp64f* pM
   return StdDevFloat<Vsp64f>(pSrc, len, pMean, pStdDev, false);
 }
 VSP_IMPL(VspStatus, vspsStdDev_16s32s_Sfs, (const Vsp16s* pSrc, int len, Vsp32s* pStdDev, int scaleFactor)) {
-  return StdDev16s(pSrc, len, pStdDev, scaleFactor);
+  return Deviation16s<Vsp32s>(pSrc, len, nullptr, pStdDev, scaleFactor, false);
 }
 VSP_IMPL(VspStatus, vspsStdDev_16s_Sfs, (const Vsp16s* pSrc, int len, Vsp16s* pStdDev, int scaleFactor)) {
-  return StdDev16s(pSrc, len, pStdDev, scaleFactor);
+  return Deviation16s<Vsp16s>(pSrc, len, nullptr, pStdDev, scaleFactor, false);
 }
 VSP_IMPL(VspStatus, vspsMeanStdDev_16s32s_Sfs,
          (const Vsp16s* pSrc, int len, Vsp32s* pMean, Vsp32s* pStdDev, int scaleFactor)) {
-  return MeanStdDev16s(pSrc, len, pMean, pStdDev, scaleFactor);
+  return Deviation16s(pSrc, len, pMean, pStdDev, scaleFactor, true);
 }
 VSP_IMPL(VspStatus, vspsMeanStdDev_16s_Sfs,
          (const Vsp16s* pSrc, int len, Vsp16s* pMean, Vsp16s* pStdDev, int scaleFactor)) {
-  return MeanStdDev16s(pSrc, len, pMean, pStdDev, scaleFactor);
+  return Deviation16s(pSrc, len, pMean, pStdDev, scaleFactor, true);
 }
