@@ -140,6 +140,19 @@ TEST(Extremes, WorkedExamples) {
   ASSERT_EQ(vspsMaxAbsIndx_16s(pair, 2, &r, &at), vspStatOk);
   EXPECT_EQ(r, 32767);
   EXPECT_EQ(at, 0);
+  // NaN first stays the result at index 0, in the scalar and the chunked search; NaN elsewhere
+  // is never chosen.
+  for (int n : {3, 40, 5000}) {
+    std::vector<Vsp64f> d(n, 1.0);
+    d[n - 1] = 2.0;
+    d[0] = NAN;
+    Vsp64f v;
+    ASSERT_EQ(vspsMinIndx_64f(d.data(), n, &v, &at), vspStatOk);
+    EXPECT_TRUE(std::isnan(v) && at == 0) << n;
+    d[0] = 1.0, d[1] = NAN;
+    ASSERT_EQ(vspsMaxIndx_64f(d.data(), n, &v, &at), vspStatOk);
+    EXPECT_TRUE(v == 2.0 && at == n - 1) << n;
+  }
   const Vsp32s i = -2147483647 - 1;
   Vsp32s ri;
   ASSERT_EQ(vspsMaxAbs_32s(&i, 1, &ri), vspStatOk);
