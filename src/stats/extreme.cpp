@@ -72,13 +72,18 @@ Extremes<T> ownsExtremes(const T* p, long long n, T init) {
   for (const long long head = AlignHead(p, n); i < head; ++i) scalar(i);
   hw::Vec<T> lo[kAcc], hi[kAcc];
   for (int j = 0; j < kAcc; ++j) lo[j] = hi[j] = hw::Set1(init);
-  for (; i + kAcc * kL <= n; i += kAcc * kL) {
-    for (int j = 0; j < kAcc; ++j) {
-      const hw::Vec<T> k = K::Of(hw::Load(p + i + j * kL));
-      if constexpr (kWantMin) lo[j] = Lo::Of(k, lo[j]);
-      if constexpr (kWantMax) hi[j] = Hi::Of(k, hi[j]);
+  // Aligned loads (which fold into the compares) unless the elements cannot reach a boundary.
+  auto body = [&]<bool kAligned>() {
+    for (; i + kAcc * kL <= n; i += kAcc * kL) {
+      for (int j = 0; j < kAcc; ++j) {
+        const hw::Vec<T> k = K::Of(kAligned ? hw::Load(p + i + j * kL) : hw::LoadU(p + i + j * kL));
+        if constexpr (kWantMin) lo[j] = Lo::Of(k, lo[j]);
+        if constexpr (kWantMax) hi[j] = Hi::Of(k, hi[j]);
+      }
     }
-  }
+  };
+  if (reinterpret_cast<uintptr_t>(p + i) % 16 == 0) body.template operator()<true>();
+  else body.template operator()<false>();
   for (; i < n; ++i) scalar(i);
   auto fold = [](auto choose, T best, const hw::Vec<T>* acc) {
     for (int j = 0; j < kAcc; ++j)
