@@ -220,7 +220,7 @@ TEST(Extremes, MaxOrder) {
       unsigned or16 = 0, or32 = 0;
       for (int i = 0; i < n; ++i) {
         s[i] = static_cast<Vsp16s>(rng.Int(-(1LL << bits) / 2, (1LL << bits) / 2));
-        w[i] = static_cast<Vsp32s>(rng.Int(-(1LL << (2 * bits - 1)), (1LL << (2 * bits - 1))) / 2);
+        w[i] = static_cast<Vsp32s>(rng.Int(-(1LL << (2 * bits)) / 2, (1LL << (2 * bits)) / 2));
         or16 |= static_cast<unsigned>(std::abs(static_cast<int>(s[i])));
         or32 |= static_cast<unsigned>(std::llabs(static_cast<long long>(w[i])));
       }
@@ -250,11 +250,13 @@ TEST(Extremes, MaxEveryAndMinEveryAreElementLoops) {
   ForEachType(TypeList<Vsp8u, Vsp16u, Vsp16s, Vsp32s, Vsp32f, Vsp64f>{}, []<class T>() {
     Rng rng(41);
     for (int n : StatLengths()) {
-      for (size_t off : StatOffsets<T>()) {
+      const std::vector<size_t> offs = StatOffsets<T>();
+      for (size_t k = 0; k < offs.size(); ++k) {
+        const size_t off = offs[k];
         for (bool max : {true, false}) {
           const EveryFns<T> f = Every<T>(max);
           auto pick = [max](T a, T b) { return (max ? a > b : a < b) ? a : b; };
-          GuardedVec<T> a(n, off), b(n, (off + 4) % 16), d(n, (off + 8) % 16);
+          GuardedVec<T> a(n, off), b(n, offs[(k + 1) % offs.size()]), d(n, offs[(k + 2) % offs.size()]);
           FillExtremes(a.data(), n, 2, rng);
           FillExtremes(b.data(), n, 2, rng);
           std::vector<T> ref(n);
