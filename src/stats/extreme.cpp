@@ -55,8 +55,10 @@ template <class T>
 struct Extremes {
   T lo, hi;
 };
-template <class T, bool kAbs, bool kWantMin, bool kWantMax>
-Extremes<T> ownsExtremes(const T* p, long long n, T init) {
+// kAligned: the head reaches a 16-byte boundary (elements at whole-element addresses), so the
+// body loads aligned vectors (which fold into the compares).
+template <class T, bool kAbs, bool kWantMin, bool kWantMax, bool kAligned>
+Extremes<T> ownsExtremesFrom(const T* p, long long n, T init) {
   using K = Key<T, kAbs>;
   using Lo = Choose<T, false>;
   using Hi = Choose<T, true>;
@@ -72,18 +74,13 @@ Extremes<T> ownsExtremes(const T* p, long long n, T init) {
   for (const long long head = AlignHead(p, n); i < head; ++i) scalar(i);
   hw::Vec<T> lo[kAcc], hi[kAcc];
   for (int j = 0; j < kAcc; ++j) lo[j] = hi[j] = hw::Set1(init);
-  // Aligned loads (which fold into the compares) unless the elements cannot reach a boundary.
-  auto body = [&]<bool kAligned>() {
-    for (; i + kAcc * kL <= n; i += kAcc * kL) {
-      for (int j = 0; j < kAcc; ++j) {
-        const hw::Vec<T> k = K::Of(kAligned ? hw::Load(p + i + j * kL) : hw::LoadU(p + i + j * kL));
-        if constexpr (kWantMin) lo[j] = Lo::Of(k, lo[j]);
-        if constexpr (kWantMax) hi[j] = Hi::Of(k, hi[j]);
-      }
+  for (; i + kAcc * kL <= n; i += kAcc * kL) {
+    for (int j = 0; j < kAcc; ++j) {
+      const hw::Vec<T> k = K::Of(kAligned ? hw::Load(p + i + j * kL) : hw::LoadU(p + i + j * kL));
+      if constexpr (kWantMin) lo[j] = Lo::Of(k, lo[j]);
+      if constexpr (kWantMax) hi[j] = Hi::Of(k, hi[j]);
     }
-  };
-  if (reinterpret_cast<uintptr_t>(p + i) % 16 == 0) body.template operator()<true>();
-  else body.template operator()<false>();
+  }
   for (; i < n; ++i) scalar(i);
   auto fold = [](auto choose, T best, const hw::Vec<T>* acc) {
     for (int j = 0; j < kAcc; ++j)
@@ -92,6 +89,12 @@ Extremes<T> ownsExtremes(const T* p, long long n, T init) {
     return best;
   };
   return {kWantMin ? fold(Lo{}, sLo, lo) : sLo, kWantMax ? fold(Hi{}, sHi, hi) : sHi};
+}
+
+template <class T, bool kAbs, bool kWantMin, bool kWantMax>
+Extremes<T> ownsExtremes(const T* p, long long n, T init) {
+  if (reinterpret_cast<uintptr_t>(p) % sizeof(T) == 0) return ownsExtremesFrom<T, kAbs, kWantMin, kWantMax, true>(p, n, init);
+  return ownsExtremesFrom<T, kAbs, kWantMin, kWantMax, false>(p, n, init);
 }
 
 template <class T, bool kAbs, bool kMax>
