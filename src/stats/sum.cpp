@@ -11,15 +11,17 @@ using namespace vsp::stats;
 
 // ---- float and double kernels --------------------------------------------------------------------
 
-// Sums elements of T (32f, 32fc, 64f, 64fc) widened to double in eight lanes; the head and tail
-// go into lane pair 0. kSquares (real data) sums y = x - shift and y * y instead: the moments of
-// the deviations.
+// Sums elements of T (32f, 32fc, 64f, 64fc) widened to double: four two-lane accumulators for
+// float data (the converts bound the speed), eight for double data (enough independent add chains
+// to keep pace with the loads); the head and tail go into lane pair 0. kSquares (real data) sums
+// y = x - shift and y * y instead: the moments of the deviations.
 template <class T, bool kSquares = false>
 struct DoubleSumOp {
-  static constexpr int kStep = Widen<T>::kStep;
+  static constexpr int kAcc = std::is_same_v<BaseOf<T>, Vsp64f> && !kSquares ? 8 : 4;
+  static constexpr int kStep = Widen<T>::kStep * kAcc / 4;
   Widen<T> src;
   Vsp64f shift = 0;
-  DoubleLanes<kSquares ? 2 : 1> acc;
+  Accumulators<Vsp64f, kSquares ? 2 : 1, kAcc> acc;
   void Scalar(long long i) {
     F64 x = src.Elem(i);
     if constexpr (kSquares) {
@@ -29,14 +31,16 @@ struct DoubleSumOp {
     acc.Add(0, 0, x);
   }
   void Vector(long long i) {
-    F64 v[4];
-    src.Step(i, v);
-    for (int k = 0; k < 4; ++k) {
-      if constexpr (kSquares) {
-        v[k] = hw::Sub(v[k], hw::Set1(shift));
-        acc.Add(1, k, hw::Mul(v[k], v[k]));
+    for (int h = 0; h < kAcc / 4; ++h) {
+      F64 v[4];
+      src.Step(i + h * Widen<T>::kStep, v);
+      for (int k = 0; k < 4; ++k) {
+        if constexpr (kSquares) {
+          v[k] = hw::Sub(v[k], hw::Set1(shift));
+          acc.Add(1, 4 * h + k, hw::Mul(v[k], v[k]));
+        }
+        acc.Add(0, 4 * h + k, v[k]);
       }
-      acc.Add(0, k, v[k]);
     }
   }
   // The total of quantity k: one double, or (re, im) for complex data.
