@@ -74,9 +74,21 @@ Extremes<T> ownsExtremesFrom(const T* p, long long n, T init) {
   for (const long long head = AlignHead(p, n); i < head; ++i) scalar(i);
   hw::Vec<T> lo[kAcc], hi[kAcc];
   for (int j = 0; j < kAcc; ++j) lo[j] = hi[j] = hw::Set1(init);
+  auto load = [p](long long at) { return K::Of(kAligned ? hw::Load(p + at) : hw::LoadU(p + at)); };
+  if constexpr (kWantMin && kWantMax && hw::kIsInt<T>) {
+    // Exact integers: each pair of vectors is split into its smaller and larger lanes first, so
+    // every vector meets one compare on its way to each accumulator.
+    for (; i + 2 * kAcc * kL <= n; i += 2 * kAcc * kL) {
+      for (int j = 0; j < kAcc; ++j) {
+        const hw::Vec<T> a = load(i + 2 * j * kL), b = load(i + (2 * j + 1) * kL);
+        lo[j] = Lo::Of(Lo::Of(a, b), lo[j]);
+        hi[j] = Hi::Of(Hi::Of(a, b), hi[j]);
+      }
+    }
+  }
   for (; i + kAcc * kL <= n; i += kAcc * kL) {
     for (int j = 0; j < kAcc; ++j) {
-      const hw::Vec<T> k = K::Of(kAligned ? hw::Load(p + i + j * kL) : hw::LoadU(p + i + j * kL));
+      const hw::Vec<T> k = load(i + j * kL);
       if constexpr (kWantMin) lo[j] = Lo::Of(k, lo[j]);
       if constexpr (kWantMax) hi[j] = Hi::Of(k, hi[j]);
     }
