@@ -1,6 +1,6 @@
 // The accumulation frame of the sums, deviations, norms and dot products:
 //  - readers that present float or double sources (or the difference of two) as double lanes;
-//  - accumulators of four vectors per summed quantity, folded pairwise ((a0 + a1) + (a2 + a3));
+//  - accumulators of four (or eight) vectors per summed quantity, folded pairwise;
 //  - the blocked float accumulation: float lanes over blocks whose partials go to double totals;
 //  - the scale-factor helpers of results computed from exact integer sums.
 // Kernels are operation objects run by ForEachAligned over the source (head until the source is
