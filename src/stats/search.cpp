@@ -104,7 +104,7 @@ struct CrossOp {
   }
 };
 
-// For 16s sign bits SignBit reads the value's sign, which is its sign bit.
+// The measure over the pairs (pSrc[n-1], pSrc[n]), n = 1 .. len - 1.
 template <class T>
 VspStatus ZeroCrossing(const T* pSrc, int len, Vsp32f* pValZCR, VspZCType zcType) {
   if (VspStatus st = CheckVec(len, pSrc, pValZCR)) return st;
