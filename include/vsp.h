@@ -119,6 +119,10 @@ typedef enum {
   vspRndHalfAway = 2  /* to nearest, ties away from zero */
 } VspRoundMode;
 
+/* Measure of vspsZeroCrossing_*: half-steps of the sign function, sign-bit changes, or strict
+   sign changes; other values give vspStatBadArg. */
+typedef enum { vspZCR = 0, vspZCXor = 1, vspZCC = 2 } VspZCType;
+
 /* Relation operator of vspsThreshold_*: threshold from below or from above. */
 typedef enum { RelOpLess = 0, RelOpGreater = 4 } VspRelOp;
 
