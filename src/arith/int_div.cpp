@@ -1,0 +1,190 @@
+// Integer quotients: Div, Div_Round, DivC and DivCRev. The exact quotient n * 2^-s / d is rounded
+// by the rounding mode (ties to even for every member without a mode) and saturated; a zero
+// divisor writes 0, the maximum or the minimum by the dividend's sign and raises the warning.
+#include "arith/arith_kernels.h"
+#include "arith/scale.h"
+#include "arith/shortcuts.h"
+#include "core/check.h"
+#include "core/impl.h"
+
+namespace {
+
+using namespace vsp;
+
+// The value a zero divisor writes for dividend n.
+template <class D, class W>
+constexpr D ZeroDivisorValue(W n) {
+  return n == 0 ? D(0) : n > 0 ? kMaxOf<D> : kMinOf<D>;
+}
+
+// round(n * 2^-s / d) by mode, saturated to D, for d != 0. W holds n and d; the magnitudes stay
+// far enough below W's range that a quotient beyond the shifts below is 0 (s > 0) or saturates
+// (s < 0) in every mode.
+template <class D, class W>
+D RoundQuotient(W n, W d, int s, VspRoundMode mode) {
+  using U = typename WideInt<W>::U;
+  constexpr int kBits = WideInt<W>::kBits;
+  const bool negative = (n < 0) != (d < 0);
+  U un = n < 0 ? U(0) - U(n) : U(n), ud = d < 0 ? U(0) - U(d) : U(d);
+  if (un == 0) return D(0);
+  const D saturated = negative ? kMinOf<D> : kMaxOf<D>;
+  if (s > 0) {
+    if (s >= kBits - 1 || (ud >> (kBits - 1 - s)) != 0) return D(0);  // d * 2^s >= 2^(kBits-1) > 4n
+    ud <<= s;
+  } else if (s < 0) {
+    const int k = -s;
+    if (k >= kBits - 1 || un > (~U(0) >> (k + 1))) return saturated;  // n * 2^k >= 2^(kBits-1) > d * max
+    un <<= k;
+  }
+  U q = un / ud;
+  const U r = un - q * ud, rest = ud - r;  // the quotient lies r / ud above q
+  if (mode == vspRndNear) q += (r > rest || (r == rest && (q & 1))) ? 1 : 0;
+  else if (mode == vspRndHalfAway) q += r >= rest ? 1 : 0;
+  if (negative) return q > U(0) - U(static_cast<W>(kMinOf<D>)) ? kMinOf<D> : static_cast<D>(-static_cast<W>(q));
+  return q > static_cast<U>(kMaxOf<D>) ? kMaxOf<D> : static_cast<D>(q);
+}
+
+// The wide type of a quotient's operands.
+template <class T> using QuotientWide = std::conditional_t<sizeof(BaseOf<T>) == 8, __int128, Vsp64s>;
+
+// d[i] = round(num[i] * 2^-s / den[i]); true when some den[i] was zero. Complex elements divide
+// exactly: each part of num * conj(den) over |den|^2.
+template <class D, class X, class Y>
+bool ownsDivScaled(X num, Y den, D* d, long long n, int s, VspRoundMode mode) {
+  using W = QuotientWide<D>;
+  bool zero = false;
+  for (long long i = 0; i < n; ++i) {
+    const auto a = num.At(i);
+    const auto b = den.At(i);
+    if constexpr (kIsComplex<D>) {
+      using B = BaseOf<D>;
+      const W m = W(b.re) * b.re + W(b.im) * b.im;
+      if (m == 0) {
+        zero = true;
+        d[i] = {ZeroDivisorValue<B>(W(a.re)), ZeroDivisorValue<B>(W(a.im))};
+      } else {
+        d[i] = {RoundQuotient<B>(W(a.re) * b.re + W(a.im) * b.im, m, s, mode),
+                RoundQuotient<B>(W(a.im) * b.re - W(a.re) * b.im, m, s, mode)};
+      }
+    } else if (b == 0) {
+      zero = true;
+      d[i] = ZeroDivisorValue<D>(W(a));
+    } else {
+      d[i] = RoundQuotient<D>(W(a), W(b), s, mode);
+    }
+  }
+  return zero;
+}
+
+// pSrc2 / pSrc1 (the first vector divides).
+template <class X, class Y, class D>
+VspStatus DivVV(const X* pSrc1, const Y* pSrc2, D* pDst, int len, int s, VspRoundMode mode = vspRndNear) {
+  if (VspStatus st = CheckVec(len, pSrc1, pSrc2, pDst)) return st;
+  if (mode != vspRndZero && mode != vspRndNear && mode != vspRndHalfAway) return vspStatRoundModeErr;
+  return ownsDivScaled(Stream<Y>{pSrc2}, Stream<X>{pSrc1}, pDst, len, s, mode) ? vspStatDivByZeroWarn : vspStatOk;
+}
+
+// The largest s at which some quotient by a constant is still not 0: the bit length of the
+// largest |quotient| (|x| itself, dividing by 1; complex parts stay within it), less one.
+template <class T>
+constexpr int DivCZeroLimit() {
+  using B = BaseOf<T>;
+  const unsigned __int128 m = kMinOf<B> < 0 ? static_cast<unsigned __int128>(-static_cast<__int128>(kMinOf<B>)) : kMaxOf<B>;
+  return DeriveLimits<B>(m).zero;
+}
+
+// pSrc / val; a zero val is refused after the vectors; above the zero limit the result is
+// vspsZero_<T>.
+template <class T>
+VspStatus DivVC(const T* pSrc, T val, T* pDst, int len, int s) {
+  if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
+  if (ElemIsZero(val)) return vspStatDivByZeroErr;
+  if (s > DivCZeroLimit<T>()) return ZeroOf(pDst, len);
+  ownsDivScaled(Stream<T>{pSrc}, Broadcast<T>(val), pDst, len, s, vspRndNear);
+  return vspStatOk;
+}
+
+}  // namespace
+
+#define VSP_DIV(t)                                                                                               \
+  VSP_IMPL(VspStatus, vspsDiv_##t##_Sfs, (const Vsp##t* pSrc1, const Vsp##t* pSrc2, Vsp##t* pDst, int len, int scaleFactor)) { \
+    return DivVV(pSrc1, pSrc2, pDst, len, scaleFactor);                                                          \
+  }                                                                                                              \
+  VSP_IMPL(VspStatus, vspsDiv_##t##_ISfs, (const Vsp##t* pSrc, Vsp##t* pSrcDst, int len, int scaleFactor)) {     \
+    return DivVV<Vsp##t>(pSrc, pSrcDst, pSrcDst, len, scaleFactor);                                              \
+  }
+VSP_DIV(8u)
+VSP_DIV(16u)
+VSP_DIV(16sc)
+VSP_DIV(32s)
+
+// Above 15 every quotient of 16s elements rounds to 0: the zero divisors alone get values.
+VSP_IMPL(VspStatus, vspsDiv_16s_Sfs, (const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp16s* pDst, int len, int scaleFactor)) {
+  if (scaleFactor <= 15) return DivVV(pSrc1, pSrc2, pDst, len, scaleFactor);
+  if (VspStatus st = CheckVec(len, pSrc1, pSrc2, pDst)) return st;
+  bool zero = false;
+  for (int i = 0; i < len; ++i) {
+    zero |= pSrc1[i] == 0;
+    pDst[i] = pSrc1[i] == 0 ? ZeroDivisorValue<Vsp16s>(pSrc2[i]) : Vsp16s(0);
+  }
+  return zero ? vspStatDivByZeroWarn : vspStatOk;
+}
+VSP_IMPL(VspStatus, vspsDiv_16s_ISfs, (const Vsp16s* pSrc, Vsp16s* pSrcDst, int len, int scaleFactor)) {
+  if (VspStatus st = CheckVec(len, pSrc, pSrcDst)) return st;
+  return VSP_CALL(vspsDiv_16s_Sfs)(pSrc, pSrcDst, pSrcDst, len, scaleFactor);
+}
+
+VSP_IMPL(VspStatus, vspsDiv_32s16s_Sfs, (const Vsp16s* pSrc1, const Vsp32s* pSrc2, Vsp16s* pDst, int len, int scaleFactor)) {
+  return DivVV(pSrc1, pSrc2, pDst, len, scaleFactor);
+}
+
+#define VSP_DIV_ROUND(t)                                                                                         \
+  VSP_IMPL(VspStatus, vspsDiv_Round_##t##_Sfs,                                                                   \
+           (const Vsp##t* pSrc1, const Vsp##t* pSrc2, Vsp##t* pDst, int len, VspRoundMode rndMode, int scaleFactor)) { \
+    return DivVV(pSrc1, pSrc2, pDst, len, scaleFactor, rndMode);                                                 \
+  }                                                                                                              \
+  VSP_IMPL(VspStatus, vspsDiv_Round_##t##_ISfs,                                                                  \
+           (const Vsp##t* pSrc, Vsp##t* pSrcDst, int len, VspRoundMode rndMode, int scaleFactor)) {              \
+    return DivVV<Vsp##t>(pSrc, pSrcDst, pSrcDst, len, scaleFactor, rndMode);                                     \
+  }
+VSP_DIV_ROUND(8u)
+VSP_DIV_ROUND(16s)
+VSP_DIV_ROUND(16u)
+
+#define VSP_DIVC(t)                                                                                              \
+  VSP_IMPL(VspStatus, vspsDivC_##t##_Sfs, (const Vsp##t* pSrc, Vsp##t val, Vsp##t* pDst, int len, int scaleFactor)) { \
+    return DivVC(pSrc, val, pDst, len, scaleFactor);                                                             \
+  }                                                                                                              \
+  VSP_IMPL(VspStatus, vspsDivC_##t##_ISfs, (Vsp##t val, Vsp##t * pSrcDst, int len, int scaleFactor)) {           \
+    return DivVC<Vsp##t>(pSrcDst, val, pSrcDst, len, scaleFactor);                                               \
+  }
+VSP_DIVC(8u)
+VSP_DIVC(16s)
+VSP_DIVC(16u)
+VSP_DIVC(16sc)
+
+VSP_IMPL(VspStatus, vspsDivC_64s_ISfs, (Vsp64s val, Vsp64s* pSrcDst, int len, int scaleFactor)) {
+  return DivVC<Vsp64s>(pSrcDst, val, pSrcDst, len, scaleFactor);
+}
+
+// val / pSrc[i]. With val 0 every quotient is 0: the destination is zeroed, and a zero element
+// still raises the warning.
+namespace {
+VspStatus DivCRev16u(const Vsp16u* pSrc, Vsp16u val, Vsp16u* pDst, int len) {
+  if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
+  if (val == 0) {
+    bool zero = false;
+    for (int i = 0; i < len; ++i) zero |= pSrc[i] == 0;
+    if (VspStatus st = VSP_CALL(vspsZero_16s)(reinterpret_cast<Vsp16s*>(pDst), len)) return st;
+    return zero ? vspStatDivByZeroWarn : vspStatOk;
+  }
+  return ownsDivScaled(Broadcast<Vsp16u>(val), Stream<Vsp16u>{pSrc}, pDst, len, 0, vspRndNear) ? vspStatDivByZeroWarn
+                                                                                                  : vspStatOk;
+}
+}  // namespace
+VSP_IMPL(VspStatus, vspsDivCRev_16u, (const Vsp16u* pSrc, Vsp16u val, Vsp16u* pDst, int len)) {
+  return DivCRev16u(pSrc, val, pDst, len);
+}
+VSP_IMPL(VspStatus, vspsDivCRev_16u_I, (Vsp16u val, Vsp16u* pSrcDst, int len)) {
+  return DivCRev16u(pSrcDst, val, pSrcDst, len);
+}
