@@ -223,7 +223,11 @@ struct Sum32Op {
     } else {
       Vec<L> h = kAdd ? HalfSum(x, y) : HalfDiff(x, y);
       Vec<L> bit = And(Xor(x, y), k.one);
-      if constexpr (P == ScalePath::kHalf) return Add(h, And(bit, h));  // an odd R with h odd rounds up
+      if constexpr (P == ScalePath::kHalf) {
+        // An odd R with h odd rounds up; only a difference reaches h = 2^31 - 1 with odd R.
+        if constexpr (kAdd) return Add(h, And(bit, h));
+        else return AddSat(h, And(bit, h));
+      }
       Vec<L> q = ShiftRight(h, k.s - 1);
       Vec<L> low = Or(ShiftLeft<1>(And(h, k.bias)), bit);  // R mod 2^s
       Vec<L> odd = Sub(Zero<L>(), And(q, k.one));
