@@ -35,6 +35,7 @@ struct Stream {
 template <class T>
 struct Broadcast {
   using Elem = T;
+  static constexpr const T* p = nullptr;  // no vector behind it
   T v;
   hw::Vec<BaseOf<T>> vec;
   explicit Broadcast(T value) : v(value) {
@@ -116,9 +117,26 @@ struct DivOp {
 
 // ---- the element-wise loop ------------------------------------------------------------------------
 
+// Outputs from this size on are written with non-temporal stores when the vector body stores
+// aligned and the output is not a source: they would not stay in the caches anyway, and
+// bypassing them saves reading each destination line before it is overwritten.
+constexpr long long kStreamBytes = 4LL << 20;
+
+template <class T>
+inline bool StreamOutput(const T* d, long long n, const void* x, const void* y) {
+  const uintptr_t a = reinterpret_cast<uintptr_t>(d);
+  return n * static_cast<long long>(sizeof(T)) >= kStreamBytes && a % (sizeof(T) < 16 ? sizeof(T) : 16) == 0 &&
+         static_cast<const void*>(d) != x && static_cast<const void*>(d) != y;
+}
+template <bool kStream, class B>
+inline void Put(hw::Vec<B> v, B* p) {
+  if constexpr (kStream) hw::StoreStream(v, p);
+  else hw::StoreU(v, p);
+}
+
 // d[i] = Op(x[i], y[i]); with a divisor check, flag becomes true where y[i] is zero. Four vectors
 // per step.
-template <class Op, class T, class X, class Y, bool kCheckZero = false>
+template <class Op, class T, class X, class Y, bool kCheckZero = false, bool kStream = false>
 struct FloatEach {
   using B = BaseOf<T>;
   static constexpr int kPer = 16 / static_cast<int>(sizeof(T)) > 0 ? 16 / static_cast<int>(sizeof(T)) : 1;
@@ -139,7 +157,7 @@ struct FloatEach {
     for (int k = 0; k < 4; ++k) {
       hw::Vec<B> yv = y.Load(i + k * kPer);
       if constexpr (kCheckZero) zeros = hw::Or(zeros, ZeroElements<T>(yv));
-      hw::StoreU(Op::template Vector<T>(x.Load(i + k * kPer), yv), out + k * (16 / sizeof(B)));
+      Put<kStream>(Op::template Vector<T>(x.Load(i + k * kPer), yv), out + k * (16 / sizeof(B)));
     }
   }
   bool Flagged() const { return flag || hw::AnyTrue(zeros); }
@@ -148,6 +166,12 @@ struct FloatEach {
 // d[i] = Op(x[i], y[i]) over n elements; returns true when kCheckZero and some y[i] was zero.
 template <class Op, bool kCheckZero = false, class T, class X, class Y>
 inline bool ownsEach(X x, Y y, T* d, long long n) {
+  if (StreamOutput(d, n, x.p, y.p)) {
+    FloatEach<Op, T, X, Y, kCheckZero, true> op{x, y, d};
+    ForEachAligned(d, n, op);
+    hw::StoreFence();
+    return op.Flagged();
+  }
   FloatEach<Op, T, X, Y, kCheckZero> op{x, y, d};
   ForEachAligned(d, n, op);
   return op.Flagged();
@@ -228,10 +252,12 @@ template <class B, class C> inline void ownsMulRealComplex(const B* a, const C* 
 
 // ---- 32f quotients by the refined reciprocal estimate ---------------------------------------------
 
-// q = n / d for divisors with 2^-125 <= |d| <= 2^125 through the hardware estimate r of 1 / d:
-// e = 1 - d*r, q = (n*r) * ((1 + e) + e*e), each step rounded to 32f. Other divisors (zero,
-// subnormal, huge, infinite, NaN) give the IEEE quotient n / d, lane by lane, so the result of
-// an element does not depend on the lanes it shares a vector with.
+// q = n / d through the hardware estimate r of 1 / d: e = 1 - d*r, q = (n*r) * ((1 + e) + e*e),
+// each step rounded to 32f. Where |e| is not below 1/2 (zero, subnormal, infinite and NaN
+// divisors, and those so large that the estimate underflows to 0) the lane takes the IEEE
+// quotient n / d instead: the choice is made lane by lane, so the result of an element does not
+// depend on the lanes it shares a vector with.
+template <bool kStream>
 struct RcpDivEach {
   static constexpr int kStep = 8;
   const Vsp32f* n;
@@ -240,38 +266,46 @@ struct RcpDivEach {
   hw::Vec<Vsp32f> zeros = hw::Zero<Vsp32f>();
   bool flag = false;
 
-  static hw::Vec<Vsp32f> Refined(hw::Vec<Vsp32f> num, hw::Vec<Vsp32f> den) {
+  // The refined quotient; `off` gains the lanes that need the IEEE quotient.
+  static hw::Vec<Vsp32f> Refined(hw::Vec<Vsp32f> num, hw::Vec<Vsp32f> den, hw::Vec<Vsp32f>& off) {
     const hw::Vec<Vsp32f> one = hw::Set1(1.0f);
     hw::Vec<Vsp32f> r = hw::ApproxRecip(den);
     hw::Vec<Vsp32f> e = hw::Sub(one, hw::Mul(den, r));
+    off = hw::Or(off, hw::NotLt(hw::Abs(e), hw::Set1(0.5f)));
     return hw::Mul(hw::Mul(num, r), hw::Add(hw::Add(one, e), hw::Mul(e, e)));
   }
-  static hw::Vec<Vsp32f> InRange(hw::Vec<Vsp32f> den) {
-    hw::Vec<Vsp32f> a = hw::Abs(den);
-    return hw::And(hw::Ge(a, hw::Set1(0x1p-125f)), hw::Le(a, hw::Set1(0x1p125f)));
-  }
   static hw::Vec<Vsp32f> Quotient(hw::Vec<Vsp32f> num, hw::Vec<Vsp32f> den) {
-    hw::Vec<Vsp32f> in = InRange(den), r = Refined(num, den);
-    if (hw::MoveMask(in) == 0xF) return r;
-    return hw::Select(in, r, hw::Div(num, den));
+    hw::Vec<Vsp32f> off = hw::Zero<Vsp32f>();
+    hw::Vec<Vsp32f> r = Refined(num, den, off);
+    return hw::Select(off, hw::Div(num, den), r);
   }
   void Scalar(long long i) {
     flag |= dv[i] == 0;
     q[i] = hw::GetLane0(Quotient(hw::Set1(n[i]), hw::Set1(dv[i])));
   }
   void Vector(long long i) {
-    for (int k = 0; k < 8; k += 4) {
-      hw::Vec<Vsp32f> den = hw::LoadU(dv + i + k);
-      zeros = hw::Or(zeros, hw::Eq(den, hw::Zero<Vsp32f>()));
-      hw::StoreU(Quotient(hw::LoadU(n + i + k), den), q + i + k);
+    hw::Vec<Vsp32f> n0 = hw::LoadU(n + i), n1 = hw::LoadU(n + i + 4);
+    hw::Vec<Vsp32f> d0 = hw::LoadU(dv + i), d1 = hw::LoadU(dv + i + 4);
+    hw::Vec<Vsp32f> off = hw::Zero<Vsp32f>();
+    hw::Vec<Vsp32f> q0 = Refined(n0, d0, off), q1 = Refined(n1, d1, off);
+    if (hw::AnyTrue(off)) {  // a zero divisor lands here too
+      zeros = hw::Or(zeros, hw::Or(hw::Eq(d0, hw::Zero<Vsp32f>()), hw::Eq(d1, hw::Zero<Vsp32f>())));
+      q0 = Quotient(n0, d0), q1 = Quotient(n1, d1);
     }
+    Put<kStream>(q0, q + i);
+    Put<kStream>(q1, q + i + 4);
   }
 };
 // q = n / d over len elements as above; true when some d[i] is zero.
 inline bool ownsDivRcp_32f(const Vsp32f* n, const Vsp32f* d, Vsp32f* q, long long len) {
-  RcpDivEach op{n, d, q};
-  ForEachAligned(q, len, op);
-  return op.flag || hw::AnyTrue(op.zeros);
+  auto run = [&](auto op) {
+    ForEachAligned(q, len, op);
+    return op.flag || hw::AnyTrue(op.zeros);
+  };
+  if (!StreamOutput(q, len, n, d)) return run(RcpDivEach<false>{n, d, q});
+  const bool zero = run(RcpDivEach<true>{n, d, q});
+  hw::StoreFence();
+  return zero;
 }
 
 }  // namespace vsp

@@ -9,11 +9,11 @@ namespace {
 
 using namespace vsp;
 
-// The operation behind (Kind, X, Y, D): sums and differences of 32s run on Sum32Op.
-template <class Kind, class X, class Y, class D, bool kAcc = false>
-using OpOf = std::conditional_t<std::is_same_v<X, Vsp32s> && std::is_same_v<Y, Vsp32s> && std::is_same_v<D, Vsp32s> &&
-                                    !std::is_same_v<Kind, MulKind> && !kAcc,
-                                Sum32Op<Kind>, IntOp<Kind, X, Y, D, kAcc>>;
+// The operation behind (Kind, X, Y, D): sums, differences and products of 32s run on their own
+// operations.
+template <class Kind, class X, class Y, class D, bool k32 = std::is_same_v<X, Vsp32s> && std::is_same_v<Y, Vsp32s> &&
+                                                              std::is_same_v<D, Vsp32s>>
+using OpOf = std::conditional_t<!k32, IntOp<Kind, X, Y, D>, std::conditional_t<std::is_same_v<Kind, MulKind>, Mul32Op, Sum32Op<Kind>>>;
 
 // Two vectors; kSwap computes pSrc2 op pSrc1 (Sub). Checks in argument order.
 template <class Kind, bool kSwap, class X, class Y, class D>

@@ -148,6 +148,7 @@ using LaneFor = std::conditional_t<
 template <class Kind, class X, class Y, class D, bool kAccumulate = false>
 struct IntOp {
   using L = LaneFor<Kind, X, Y, D>;
+  using Scaler = LaneScaler<L, D>;
   static constexpr bool kAcc = kAccumulate;
   static constexpr bool kDirect = false;
   static constexpr __int128 kMaxAbs = CornerExtreme<Kind, X, Y>(true) + (kAccumulate ? -static_cast<__int128>(kMinOf<D>) : 0);
@@ -209,6 +210,7 @@ template <class Kind>
 struct Sum32Op {
   using L = Vsp32s;
   using W = Vsp64s;
+  using Scaler = LaneScaler<L, L>;
   static constexpr bool kVector = true, kDirect = true, kAcc = false;
   static constexpr SfsLimits kLimits = DeriveLimits<Vsp32s>(CornerExtreme<Kind, Vsp32s, Vsp32s>(true));
   static constexpr int kFastRound = kLimits.zero;
@@ -236,10 +238,44 @@ struct Sum32Op {
   }
 };
 
+// Products of 32s elements into 32s: the exact products in 64-bit lanes, rounded there for
+// s >= 1; saturated to 32 bits first for the other paths (saturation keeps the sign, and a
+// saturated product saturates alike when shifted left).
+struct Mul32Op {
+  using L = Vsp64s;
+  using W = Vsp64s;
+  static constexpr bool kVector = true, kDirect = true, kAcc = false;
+  static constexpr SfsLimits kLimits = DeriveLimits<Vsp32s>(CornerExtreme<MulKind, Vsp32s, Vsp32s>(true));
+  static constexpr int kFastRound = kLimits.zero;
+  struct Scaler {
+    LaneScaler<Vsp32s, Vsp32s> k32;
+    int s;
+    hw::Vec<Vsp64s> bias;
+    explicit Scaler(int scale) : k32(scale), s(scale) {
+      bias = hw::Set1<Vsp64s>(s >= 1 && s < 63 ? (1LL << (s - 1)) - 1 : 0);
+    }
+    hw::Vec<Vsp64s> Round(hw::Vec<Vsp64s> r) const {
+      return hw::ShiftRightArith(hw::Add(hw::Add(r, bias), hw::BitAt(r, s)), s);
+    }
+  };
+
+  static W Scalar(Vsp32s x, Vsp32s y, Vsp32s) { return W(x) * y; }
+  template <ScalePath P>
+  static hw::Vec<Vsp32s> Direct(hw::Vec<Vsp32s> x, hw::Vec<Vsp32s> y, const Scaler& k) {
+    hw::Vec<Vsp64s> even, odd;
+    hw::MulWide(x, y, even, odd);
+    if constexpr (P == ScalePath::kPlain || P == ScalePath::kLeft || P == ScalePath::kSign)
+      return k.k32.template Apply<P>(hw::NarrowSat32s(even, odd));
+    else
+      return hw::NarrowSat32s(k.Round(even), k.Round(odd));
+  }
+};
+
 // Saturating sums of 32u elements (the members without a scale factor).
 struct SumU32Op {
   using L = Vsp32u;
   using W = Vsp64s;
+  using Scaler = LaneScaler<L, L>;
   static constexpr bool kVector = true, kDirect = true, kAcc = false;
   static W Scalar(Vsp32u x, Vsp32u y, Vsp32u) { return W(x) + W(y); }
   template <ScalePath P>
@@ -289,7 +325,7 @@ struct ScaledEach {
   Y y;
   D* d;
   int s;
-  std::conditional_t<Op::kVector, LaneScaler<L, D>, int> k;
+  std::conditional_t<Op::kVector, typename Op::Scaler, int> k;
 
   void Scalar(long long i) { d[i] = ScaleRule<D>(Op::Scalar(x.At(i), y.At(i), d[i]), s); }
   void Vector(long long i) {

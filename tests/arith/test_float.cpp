@@ -145,12 +145,12 @@ TEST(FloatArith, EveryMemberLengthAndOffset) {
   });
 }
 
-// vspsDiv_32f: e = 1 - d*r, q = (n*r) * ((1 + e) + e*e) with r the hardware estimate of 1/d, for
-// 2^-125 <= |d| <= 2^125; the IEEE quotient for other divisors.
+// vspsDiv_32f: e = 1 - d*r, q = (n*r) * ((1 + e) + e*e) with r the hardware estimate of 1/d;
+// the IEEE quotient where |e| is not below 1/2.
 float RefinedQuotient(float n, float d) {
-  if (!(std::fabs(d) >= 0x1p-125f && std::fabs(d) <= 0x1p125f)) return n / d;
   const float r = _mm_cvtss_f32(_mm_rcp_ss(_mm_set_ss(d)));
   const float e = 1.0f - d * r;
+  if (!(std::fabs(e) < 0.5f)) return n / d;
   return (n * r) * ((1.0f + e) + e * e);
 }
 

@@ -57,6 +57,36 @@ inline Vec<Vsp16s> SwapPairs(Vec<Vsp16s> a) {
   return {_mm_shufflehi_epi16(_mm_shufflelo_epi16(a.raw, 0xB1), 0xB1)};
 }
 
+// ---- exact products of 32-bit lanes as 64-bit lanes -------------------------------------------
+
+// The four signed products of a and b: lanes 0 and 2 in even, lanes 1 and 3 in odd. The unsigned
+// products less 2^32 * (b where a < 0, plus a where b < 0), modulo 2^64.
+inline void MulWide(Vec<Vsp32s> a, Vec<Vsp32s> b, Vec<Vsp64s>& even, Vec<Vsp64s>& odd) {
+  __m128i t = _mm_add_epi32(_mm_and_si128(_mm_srai_epi32(a.raw, 31), b.raw), _mm_and_si128(_mm_srai_epi32(b.raw, 31), a.raw));
+  __m128i pe = _mm_mul_epu32(a.raw, b.raw);
+  __m128i po = _mm_mul_epu32(_mm_srli_epi64(a.raw, 32), _mm_srli_epi64(b.raw, 32));
+  even = {_mm_sub_epi64(pe, _mm_slli_epi64(t, 32))};
+  odd = {_mm_sub_epi64(po, _mm_and_si128(t, _mm_set_epi32(-1, 0, -1, 0)))};
+}
+// x >> s for signed 64-bit lanes (flooring), 1 <= s <= 63.
+inline Vec<Vsp64s> ShiftRightArith(Vec<Vsp64s> x, int s) {
+  __m128i sign = _mm_shuffle_epi32(_mm_srai_epi32(x.raw, 31), 0xF5);
+  return {_mm_or_si128(_mm_srl_epi64(x.raw, _mm_cvtsi32_si128(s)), _mm_sll_epi64(sign, _mm_cvtsi32_si128(64 - s)))};
+}
+// Bit s of every 64-bit lane, as 0 or 1.
+inline Vec<Vsp64s> BitAt(Vec<Vsp64s> x, int s) {
+  return {_mm_and_si128(_mm_srl_epi64(x.raw, _mm_cvtsi32_si128(s)), _mm_set1_epi64x(1))};
+}
+// Signed 64-bit lanes saturated to 32 bits: even holds lanes 0 and 2, odd lanes 1 and 3.
+inline Vec<Vsp32s> NarrowSat32s(Vec<Vsp64s> even, Vec<Vsp64s> odd) {
+  __m128 e = _mm_castsi128_ps(even.raw), o = _mm_castsi128_ps(odd.raw);
+  __m128i lo = _mm_shuffle_epi32(_mm_castps_si128(_mm_shuffle_ps(e, o, 0x88)), 0xD8);
+  __m128i hi = _mm_shuffle_epi32(_mm_castps_si128(_mm_shuffle_ps(e, o, 0xDD)), 0xD8);
+  __m128i fits = _mm_cmpeq_epi32(hi, _mm_srai_epi32(lo, 31));
+  __m128i limit = _mm_xor_si128(_mm_srai_epi32(hi, 31), _mm_set1_epi32(0x7FFFFFFF));
+  return {_mm_or_si128(_mm_and_si128(fits, lo), _mm_andnot_si128(fits, limit))};
+}
+
 // ---- 32-bit sums without overflow -------------------------------------------------------------
 
 // a + b and a - b saturated to the 32-bit range.
