@@ -1,7 +1,7 @@
 // Integer quotients: Div, Div_Round, DivC and DivCRev. The exact quotient n * 2^-s / d is rounded
 // by the rounding mode (ties to even for every member without a mode) and saturated; a zero
 // divisor writes 0, the maximum or the minimum by the dividend's sign and raises the warning.
-#include "arith/arith_kernels.h"
+#include "arith/int_kernels.h"
 #include "arith/scale.h"
 #include "arith/shortcuts.h"
 #include "core/check.h"
@@ -47,33 +47,124 @@ D RoundQuotient(W n, W d, int s, VspRoundMode mode) {
 // The wide type of a quotient's operands.
 template <class T> using QuotientWide = std::conditional_t<sizeof(BaseOf<T>) == 8, __int128, Vsp64s>;
 
-// d[i] = round(num[i] * 2^-s / den[i]); true when some den[i] was zero. Complex elements divide
-// exactly: each part of num * conj(den) over |den|^2.
-template <class D, class X, class Y>
-bool ownsDivScaled(X num, Y den, D* d, long long n, int s, VspRoundMode mode) {
+// One element: the rounded quotient, or the zero-divisor value (flag set).
+template <class D, class A, class B>
+inline D QuotientOf(A a, B b, int s, VspRoundMode mode, bool& zero) {
   using W = QuotientWide<D>;
-  bool zero = false;
-  for (long long i = 0; i < n; ++i) {
-    const auto a = num.At(i);
-    const auto b = den.At(i);
-    if constexpr (kIsComplex<D>) {
-      using B = BaseOf<D>;
-      const W m = W(b.re) * b.re + W(b.im) * b.im;
-      if (m == 0) {
-        zero = true;
-        d[i] = {ZeroDivisorValue<B>(W(a.re)), ZeroDivisorValue<B>(W(a.im))};
-      } else {
-        d[i] = {RoundQuotient<B>(W(a.re) * b.re + W(a.im) * b.im, m, s, mode),
-                RoundQuotient<B>(W(a.im) * b.re - W(a.re) * b.im, m, s, mode)};
-      }
-    } else if (b == 0) {
+  if constexpr (kIsComplex<D>) {
+    // Each part of a * conj(b) over |b|^2.
+    using P = BaseOf<D>;
+    const W m = W(b.re) * b.re + W(b.im) * b.im;
+    if (m == 0) {
       zero = true;
-      d[i] = ZeroDivisorValue<D>(W(a));
+      return {ZeroDivisorValue<P>(W(a.re)), ZeroDivisorValue<P>(W(a.im))};
+    }
+    return {RoundQuotient<P>(W(a.re) * b.re + W(a.im) * b.im, m, s, mode),
+            RoundQuotient<P>(W(a.im) * b.re - W(a.re) * b.im, m, s, mode)};
+  } else {
+    if (b == 0) {
+      zero = true;
+      return ZeroDivisorValue<D>(W(a));
+    }
+    return RoundQuotient<D>(W(a), W(b), s, mode);
+  }
+}
+
+// Quotients of 8- and 16-bit elements in double lanes. With s clamped to [-(2 * bits + 1),
+// bits + 2] (beyond, every quotient saturates or rounds to 0 as it does at the bound) the
+// scaled dividend is exact in a double, the division rounds correctly, and a quotient lies
+// either exactly on a half or at least 2^-17 from one, far beyond its rounding error: rounding
+// the double quotient gives the exact result in every mode, whatever the MXCSR rounding mode.
+template <class D, VspRoundMode kMode, class Num, class Den>
+struct DivEach {
+  static constexpr int kStep = hw::kLanes<D>;
+  static constexpr int kK = static_cast<int>(4 / sizeof(D));
+  static constexpr int kBits = static_cast<int>(8 * sizeof(D));
+  Num num;
+  Den den;
+  D* d;
+  int s;
+  hw::Vec<Vsp64f> scale, lo, hi;
+  hw::Vec<Vsp32s> zeros = hw::Zero<Vsp32s>();
+  bool flag = false;
+
+  DivEach(Num nm, Den dn, D* dst, int scale) : num(nm), den(dn), d(dst), s(scale) {
+    const int c = s < -(2 * kBits + 1) ? -(2 * kBits + 1) : s > kBits + 2 ? kBits + 2 : s;
+    double f = 1;
+    for (int k = 0; k < (c < 0 ? -c : c); ++k) f *= 2;
+    this->scale = hw::Set1(c < 0 ? f : 1 / f);
+    lo = hw::Set1(static_cast<double>(kMinOf<D>) - 1);
+    hi = hw::Set1(static_cast<double>(kMaxOf<D>) + 1);
+  }
+
+  // The quotients of two lanes, clamped next to D's range.
+  hw::Vec<Vsp64f> Pair(hw::Vec<Vsp32s> n, hw::Vec<Vsp32s> q) const {
+    hw::Vec<Vsp64f> r = hw::Div(hw::Mul(hw::ConvertLoToDouble(n), scale), hw::ConvertLoToDouble(q));
+    return hw::Min(hw::Max(r, lo), hi);
+  }
+  // x rounded by kMode to 32-bit lanes, from the truncation and the exact fraction.
+  hw::Vec<Vsp32s> Round(hw::Vec<Vsp64f> q0, hw::Vec<Vsp64f> q1) const {
+    using namespace hw;
+    Vec<Vsp32s> t0 = ConvertTrunc(q0), t1 = ConvertTrunc(q1);
+    Vec<Vsp32s> t = BitCast<Vsp32s>(InterleaveLo(BitCast<Vsp64u>(t0), BitCast<Vsp64u>(t1)));
+    if constexpr (kMode == vspRndZero) {
+      return t;
     } else {
-      d[i] = RoundQuotient<D>(W(a), W(b), s, mode);
+      Vec<Vsp64f> f0 = Sub(q0, ConvertLoToDouble(t0)), f1 = Sub(q1, ConvertLoToDouble(t1));
+      const Vec<Vsp64f> half = Set1(0.5), mhalf = Set1(-0.5);
+      auto lanes = [](Vec<Vsp64f> a, Vec<Vsp64f> b) { return EvenLanes(BitCast<Vsp32s>(a), BitCast<Vsp32s>(b)); };
+      Vec<Vsp32s> up, down;
+      if constexpr (kMode == vspRndHalfAway) {
+        up = lanes(Ge(f0, half), Ge(f1, half));
+        down = lanes(Le(f0, mhalf), Le(f1, mhalf));
+      } else {
+        Vec<Vsp32s> odd = Sub(Zero<Vsp32s>(), And(t, Set1<Vsp32s>(1)));
+        up = Or(lanes(Gt(f0, half), Gt(f1, half)), And(lanes(Eq(f0, half), Eq(f1, half)), odd));
+        down = Or(lanes(Lt(f0, mhalf), Lt(f1, mhalf)), And(lanes(Eq(f0, mhalf), Eq(f1, mhalf)), odd));
+      }
+      return Add(Sub(t, up), down);  // masks are -1 where true
     }
   }
-  return zero;
+
+  void Scalar(long long i) { d[i] = QuotientOf<D>(num.At(i), den.At(i), s, kMode, flag); }
+  void Vector(long long i) {
+    using namespace hw;
+    Vec<Vsp32s> n[kK], q[kK], r[kK];
+    Widen(num.Load(i), n);
+    Widen(den.Load(i), q);
+    const Vec<Vsp32s> dmax = Set1<Vsp32s>(kMaxOf<D>), dmin = Set1<Vsp32s>(kMinOf<D>);
+    for (int k = 0; k < kK; ++k) {
+      r[k] = Round(Pair(n[k], q[k]), Pair(ShiftBytesDown<8>(n[k]), ShiftBytesDown<8>(q[k])));
+      // Zero divisors: 0, the maximum or the minimum by the dividend's sign.
+      Vec<Vsp32s> z = Eq(q[k], Zero<Vsp32s>());
+      Vec<Vsp32s> v = Or(And(Gt(n[k], Zero<Vsp32s>()), dmax), And(Gt(Zero<Vsp32s>(), n[k]), dmin));
+      r[k] = Select(z, v, r[k]);
+      zeros = Or(zeros, z);
+    }
+    StoreNarrow(r, d + i);
+  }
+};
+
+template <class D, VspRoundMode kMode, class Num, class Den>
+bool RunDiv(Num num, Den den, D* d, long long n, int s) {
+  DivEach<D, kMode, Num, Den> op(num, den, d, s);
+  ForEachAligned(d, n, op);
+  return op.flag || hw::AnyTrue(op.zeros);
+}
+
+// d[i] = round(num[i] * 2^-s / den[i]); true when some den[i] was zero.
+template <class D, class Num, class Den>
+bool ownsDivScaled(Num num, Den den, D* d, long long n, int s, VspRoundMode mode) {
+  if constexpr (sizeof(D) <= 2 && !kIsComplex<D> && std::is_same_v<typename Num::Elem, D> &&
+                std::is_same_v<typename Den::Elem, D>) {
+    if (mode == vspRndZero) return RunDiv<D, vspRndZero>(num, den, d, n, s);
+    if (mode == vspRndHalfAway) return RunDiv<D, vspRndHalfAway>(num, den, d, n, s);
+    return RunDiv<D, vspRndNear>(num, den, d, n, s);
+  } else {
+    bool zero = false;
+    for (long long i = 0; i < n; ++i) d[i] = QuotientOf<D>(num.At(i), den.At(i), s, mode, zero);
+    return zero;
+  }
 }
 
 // pSrc2 / pSrc1 (the first vector divides).
