@@ -1,6 +1,7 @@
 // Float members of the arithmetic families (32f, 64f, 32fc, 64fc): checks, then the kernels of
 // arith_kernels.h.
 #include "arith/arith_kernels.h"
+#include "arith/shapes.h"
 #include "core/check.h"
 #include "core/impl.h"
 
@@ -51,6 +52,13 @@ VspStatus DivVC(const T* pSrc, T val, T* pDst, int len) {
   return vspStatOk;
 }
 
+// val / pSrc[i]: IEEE division, 6 when some element is zero.
+template <class T>
+VspStatus DivRevVC(const T* pSrc, T val, T* pDst, int len) {
+  if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
+  return ownsEach<DivOp, true>(Broadcast<T>(val), Stream<T>{pSrc}, pDst, len) ? vspStatDivByZeroWarn : vspStatOk;
+}
+
 template <class T>
 VspStatus AddProduct(const T* pSrc1, const T* pSrc2, T* pSrcDst, int len) {
   if (VspStatus st = CheckVec(len, pSrc1, pSrc2, pSrcDst)) return st;
@@ -60,31 +68,15 @@ VspStatus AddProduct(const T* pSrc1, const T* pSrc2, T* pSrcDst, int len) {
 
 }  // namespace
 
-// One family's out-of-place and in-place members for one type: the in-place form passes pSrcDst
-// as the second operand and the destination.
-#define VSP_FLOAT_VV(fam, run, t)                                                                             \
-  VSP_IMPL(VspStatus, vsps##fam##_##t, (const Vsp##t* pSrc1, const Vsp##t* pSrc2, Vsp##t* pDst, int len)) { \
-    return run(pSrc1, pSrc2, pDst, len);                                                                     \
-  }                                                                                                          \
-  VSP_IMPL(VspStatus, vsps##fam##_##t##_I, (const Vsp##t* pSrc, Vsp##t* pSrcDst, int len)) {                 \
-    return run<Vsp##t>(pSrc, pSrcDst, pSrcDst, len);                                                         \
-  }
-#define VSP_FLOAT_VC(fam, run, t)                                                                    \
-  VSP_IMPL(VspStatus, vsps##fam##_##t, (const Vsp##t* pSrc, Vsp##t val, Vsp##t* pDst, int len)) {   \
-    return run(pSrc, val, pDst, len);                                                               \
-  }                                                                                                 \
-  VSP_IMPL(VspStatus, vsps##fam##_##t##_I, (Vsp##t val, Vsp##t * pSrcDst, int len)) {               \
-    return run<Vsp##t>(pSrcDst, val, pSrcDst, len);                                                 \
-  }
-#define VSP_FLOAT_FAMILIES(t)          \
-  VSP_FLOAT_VV(Add, AddVV, t)          \
-  VSP_FLOAT_VV(Sub, SubVV, t)          \
-  VSP_FLOAT_VV(Mul, MulVV, t)          \
-  VSP_FLOAT_VV(Div, DivVV, t)          \
-  VSP_FLOAT_VC(AddC, AddVC, t)         \
-  VSP_FLOAT_VC(SubC, SubVC, t)         \
-  VSP_FLOAT_VC(SubCRev, SubRevVC, t)   \
-  VSP_FLOAT_VC(MulC, MulVC, t)         \
+#define VSP_FLOAT_FAMILIES(t)           \
+  VSP_SHAPE_VV_BOTH(Add, AddVV, t)      \
+  VSP_SHAPE_VV_BOTH(Sub, SubVV, t)      \
+  VSP_SHAPE_VV_BOTH(Mul, MulVV, t)      \
+  VSP_SHAPE_VV_BOTH(Div, DivVV, t)      \
+  VSP_SHAPE_VC_BOTH(AddC, AddVC, t)     \
+  VSP_SHAPE_VC_BOTH(SubC, SubVC, t)     \
+  VSP_SHAPE_VC_BOTH(SubCRev, SubRevVC, t) \
+  VSP_SHAPE_VC_BOTH(MulC, MulVC, t)     \
   VSP_IMPL(VspStatus, vspsAddProduct_##t, (const Vsp##t* pSrc1, const Vsp##t* pSrc2, Vsp##t* pSrcDst, int len)) { \
     return AddProduct(pSrc1, pSrc2, pSrcDst, len);                                                                \
   }
@@ -93,9 +85,9 @@ VSP_FLOAT_FAMILIES(32f)
 VSP_FLOAT_FAMILIES(64f)
 VSP_FLOAT_FAMILIES(32fc)
 VSP_FLOAT_FAMILIES(64fc)
-VSP_FLOAT_VC(DivC, DivVC, 64f)
-VSP_FLOAT_VC(DivC, DivVC, 32fc)
-VSP_FLOAT_VC(DivC, DivVC, 64fc)
+VSP_SHAPE_VC_BOTH(DivC, DivVC, 64f)
+VSP_SHAPE_VC_BOTH(DivC, DivVC, 32fc)
+VSP_SHAPE_VC_BOTH(DivC, DivVC, 64fc)
 
 // vspsDivC_32f settles the quotient as a product by the reciprocal through vspsMulC_32f; only a
 // zero val is refused here, before the vectors are looked at.
@@ -108,19 +100,7 @@ VSP_IMPL(VspStatus, vspsDivC_32f_I, (Vsp32f val, Vsp32f* pSrcDst, int len)) {
   return VSP_CALL(vspsDivC_32f)(pSrcDst, val, pSrcDst, len);
 }
 
-// val / pSrc[i]: IEEE division, 6 when some element is zero.
-namespace {
-VspStatus DivCRev32f(const Vsp32f* pSrc, Vsp32f val, Vsp32f* pDst, int len) {
-  if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
-  return ownsEach<DivOp, true>(Broadcast<Vsp32f>(val), Stream<Vsp32f>{pSrc}, pDst, len) ? vspStatDivByZeroWarn : vspStatOk;
-}
-}  // namespace
-VSP_IMPL(VspStatus, vspsDivCRev_32f, (const Vsp32f* pSrc, Vsp32f val, Vsp32f* pDst, int len)) {
-  return DivCRev32f(pSrc, val, pDst, len);
-}
-VSP_IMPL(VspStatus, vspsDivCRev_32f_I, (Vsp32f val, Vsp32f* pSrcDst, int len)) {
-  return DivCRev32f(pSrcDst, val, pSrcDst, len);
-}
+VSP_SHAPE_VC_BOTH(DivCRev, DivRevVC, 32f)
 
 VSP_IMPL(VspStatus, vspsAddProductC_32f, (const Vsp32f* pSrc, Vsp32f val, Vsp32f* pSrcDst, int len)) {
   if (VspStatus st = CheckVec(len, pSrc, pSrcDst)) return st;

@@ -1,6 +1,7 @@
 // Integer members of Add, Sub, Mul, AddC, SubC, SubCRev, MulC and AddProduct: checks, the
 // short-cuts through other exports, then the scaled kernels of int_kernels.h.
 #include "arith/int_kernels.h"
+#include "arith/shapes.h"
 #include "arith/shortcuts.h"
 #include "core/check.h"
 #include "core/impl.h"
@@ -86,64 +87,48 @@ VspStatus ToFloat(const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp32f* pDst, int le
   return vspStatOk;
 }
 
+// The families as single templates for the export shapes (shapes.h); the members without a
+// scale factor run the rule with s = 0.
+template <class T> VspStatus AddVV(const T* a, const T* b, T* d, int len, int s) { return ScaledVV<AddKind, false>(a, b, d, len, s); }
+template <class T> VspStatus SubVV(const T* a, const T* b, T* d, int len, int s) { return ScaledVV<SubKind, true>(a, b, d, len, s); }
+template <class T> VspStatus MulVV(const T* a, const T* b, T* d, int len, int s) { return ScaledVV<MulKind, false>(a, b, d, len, s); }
+template <class T> VspStatus AddVV0(const T* a, const T* b, T* d, int len) { return AddVV(a, b, d, len, 0); }
+template <class T> VspStatus SubVV0(const T* a, const T* b, T* d, int len) { return SubVV(a, b, d, len, 0); }
+template <class T> VspStatus MulVV0(const T* a, const T* b, T* d, int len) { return MulVV(a, b, d, len, 0); }
+template <class T> VspStatus AddCplx(const T* a, const T* b, T* d, int len, int s) { return ComplexAsReal<AddKind, false>(a, b, d, len, s); }
+template <class T> VspStatus SubCplx(const T* a, const T* b, T* d, int len, int s) { return ComplexAsReal<SubKind, true>(a, b, d, len, s); }
+template <class T> VspStatus AddVC(const T* x, T v, T* d, int len, int s) { return ScaledVC<AddKind, false>(x, v, d, len, s); }
+template <class T> VspStatus SubVC(const T* x, T v, T* d, int len, int s) { return ScaledVC<SubKind, false>(x, v, d, len, s); }
+template <class T> VspStatus SubRevVC(const T* x, T v, T* d, int len, int s) { return ScaledVC<SubKind, true>(x, v, d, len, s); }
+template <class T> VspStatus MulVC(const T* x, T v, T* d, int len, int s) { return ScaledVC<MulKind, false>(x, v, d, len, s); }
+template <class T> VspStatus AddVC0(const T* x, T v, T* d, int len) { return AddVC(x, v, d, len, 0); }
+template <class T> VspStatus SubVC0(const T* x, T v, T* d, int len) { return SubVC(x, v, d, len, 0); }
+template <class T> VspStatus MulVC0(const T* x, T v, T* d, int len) { return MulVC(x, v, d, len, 0); }
+
 }  // namespace
 
 // ---- two vectors ----------------------------------------------------------------------------------
 
-#define VSP_INT_VV_SFS(fam, kind, swap, t)                                                              \
-  VSP_IMPL(VspStatus, vsps##fam##_##t##_Sfs,                                                            \
-           (const Vsp##t* pSrc1, const Vsp##t* pSrc2, Vsp##t* pDst, int len, int scaleFactor)) {        \
-    return ScaledVV<kind, swap>(pSrc1, pSrc2, pDst, len, scaleFactor);                                  \
-  }
-#define VSP_INT_VV(fam, kind, swap, t)                                                                  \
-  VSP_INT_VV_SFS(fam, kind, swap, t)                                                                    \
-  VSP_IMPL(VspStatus, vsps##fam##_##t##_ISfs, (const Vsp##t* pSrc, Vsp##t* pSrcDst, int len, int scaleFactor)) { \
-    return ScaledVV<kind, swap, Vsp##t, Vsp##t, Vsp##t>(pSrc, pSrcDst, pSrcDst, len, scaleFactor);     \
-  }
-#define VSP_CPLX_VV(fam, kind, swap, t)                                                                 \
-  VSP_IMPL(VspStatus, vsps##fam##_##t##_Sfs,                                                            \
-           (const Vsp##t* pSrc1, const Vsp##t* pSrc2, Vsp##t* pDst, int len, int scaleFactor)) {        \
-    return ComplexAsReal<kind, swap>(pSrc1, pSrc2, pDst, len, scaleFactor);                             \
-  }                                                                                                     \
-  VSP_IMPL(VspStatus, vsps##fam##_##t##_ISfs, (const Vsp##t* pSrc, Vsp##t* pSrcDst, int len, int scaleFactor)) { \
-    return ComplexAsReal<kind, swap, Vsp##t>(pSrc, pSrcDst, pSrcDst, len, scaleFactor);                 \
-  }
-// Members without a scale factor: the rule with s = 0.
-#define VSP_INT_VV_PLAIN(fam, kind, swap, t)                                                                      \
-  VSP_IMPL(VspStatus, vsps##fam##_##t, (const Vsp##t* pSrc1, const Vsp##t* pSrc2, Vsp##t* pDst, int len)) {       \
-    return ScaledVV<kind, swap>(pSrc1, pSrc2, pDst, len, 0);                                                      \
-  }
-
-VSP_INT_VV(Add, AddKind, false, 8u)
-VSP_INT_VV(Add, AddKind, false, 16s)
-VSP_INT_VV(Add, AddKind, false, 32s)
-VSP_INT_VV_SFS(Add, AddKind, false, 64s)
-VSP_CPLX_VV(Add, AddKind, false, 16sc)
-VSP_CPLX_VV(Add, AddKind, false, 32sc)
-VSP_INT_VV(Sub, SubKind, true, 8u)
-VSP_INT_VV(Sub, SubKind, true, 16s)
-VSP_INT_VV(Sub, SubKind, true, 16u)
-VSP_INT_VV(Sub, SubKind, true, 32s)
-VSP_CPLX_VV(Sub, SubKind, true, 16sc)
-VSP_CPLX_VV(Sub, SubKind, true, 32sc)
-VSP_INT_VV(Mul, MulKind, false, 8u)
-VSP_INT_VV(Mul, MulKind, false, 16s)
-VSP_INT_VV(Mul, MulKind, false, 16u)
-VSP_INT_VV(Mul, MulKind, false, 32s)
-VSP_INT_VV_PLAIN(Add, AddKind, false, 16s)
-VSP_INT_VV_PLAIN(Add, AddKind, false, 16u)
-VSP_INT_VV_PLAIN(Sub, SubKind, true, 16s)
-VSP_INT_VV_PLAIN(Mul, MulKind, false, 16s)
-
-VSP_IMPL(VspStatus, vspsAdd_16s_I, (const Vsp16s* pSrc, Vsp16s* pSrcDst, int len)) {
-  return ScaledVV<AddKind, false, Vsp16s, Vsp16s, Vsp16s>(pSrc, pSrcDst, pSrcDst, len, 0);
-}
-VSP_IMPL(VspStatus, vspsSub_16s_I, (const Vsp16s* pSrc, Vsp16s* pSrcDst, int len)) {
-  return ScaledVV<SubKind, true, Vsp16s, Vsp16s, Vsp16s>(pSrc, pSrcDst, pSrcDst, len, 0);
-}
-VSP_IMPL(VspStatus, vspsMul_16s_I, (const Vsp16s* pSrc, Vsp16s* pSrcDst, int len)) {
-  return ScaledVV<MulKind, false, Vsp16s, Vsp16s, Vsp16s>(pSrc, pSrcDst, pSrcDst, len, 0);
-}
+VSP_SHAPE_VV_SFS_BOTH(Add, AddVV, 8u)
+VSP_SHAPE_VV_SFS_BOTH(Add, AddVV, 16s)
+VSP_SHAPE_VV_SFS_BOTH(Add, AddVV, 32s)
+VSP_SHAPE_VV_SFS(Add, AddVV, 64s)
+VSP_SHAPE_VV_SFS_BOTH(Add, AddCplx, 16sc)
+VSP_SHAPE_VV_SFS_BOTH(Add, AddCplx, 32sc)
+VSP_SHAPE_VV_SFS_BOTH(Sub, SubVV, 8u)
+VSP_SHAPE_VV_SFS_BOTH(Sub, SubVV, 16s)
+VSP_SHAPE_VV_SFS_BOTH(Sub, SubVV, 16u)
+VSP_SHAPE_VV_SFS_BOTH(Sub, SubVV, 32s)
+VSP_SHAPE_VV_SFS_BOTH(Sub, SubCplx, 16sc)
+VSP_SHAPE_VV_SFS_BOTH(Sub, SubCplx, 32sc)
+VSP_SHAPE_VV_SFS_BOTH(Mul, MulVV, 8u)
+VSP_SHAPE_VV_SFS_BOTH(Mul, MulVV, 16s)
+VSP_SHAPE_VV_SFS_BOTH(Mul, MulVV, 16u)
+VSP_SHAPE_VV_SFS_BOTH(Mul, MulVV, 32s)
+VSP_SHAPE_VV_BOTH(Add, AddVV0, 16s)
+VSP_SHAPE_VV(Add, AddVV0, 16u)
+VSP_SHAPE_VV_BOTH(Sub, SubVV0, 16s)
+VSP_SHAPE_VV_BOTH(Mul, MulVV0, 16s)
 
 // Above 17 every sum of two 16u elements rounds to 0: only the sources are tested, then the
 // destination is zeroed with vspsZero_16s's checks.
@@ -200,52 +185,40 @@ VSP_IMPL(VspStatus, vspsMul_16sc_Sfs, (const Vsp16sc* pSrc1, const Vsp16sc* pSrc
   if (pDst == pSrc1) return VSP_CALL(vspsMul_16sc_ISfs)(pSrc2, pDst, len, scaleFactor);
   return ComplexMulVV(pSrc1, pSrc2, pDst, len, scaleFactor);
 }
-VSP_IMPL(VspStatus, vspsMul_16sc_ISfs, (const Vsp16sc* pSrc, Vsp16sc* pSrcDst, int len, int scaleFactor)) {
-  return ComplexMulVV<Vsp16sc>(pSrc, pSrcDst, pSrcDst, len, scaleFactor);
-}
-VSP_IMPL(VspStatus, vspsMul_32sc_Sfs, (const Vsp32sc* pSrc1, const Vsp32sc* pSrc2, Vsp32sc* pDst, int len, int scaleFactor)) {
-  return ComplexMulVV(pSrc1, pSrc2, pDst, len, scaleFactor);
-}
-VSP_IMPL(VspStatus, vspsMul_32sc_ISfs, (const Vsp32sc* pSrc, Vsp32sc* pSrcDst, int len, int scaleFactor)) {
-  return ComplexMulVV<Vsp32sc>(pSrc, pSrcDst, pSrcDst, len, scaleFactor);
-}
+VSP_SHAPE_VV_ISFS(Mul, ComplexMulVV, 16sc)
+VSP_SHAPE_VV_SFS_BOTH(Mul, ComplexMulVV, 32sc)
 
 // ---- a vector and a constant --------------------------------------------------------------------
 
-#define VSP_INT_VC(fam, kind, constFirst, t)                                                                    \
-  VSP_IMPL(VspStatus, vsps##fam##_##t##_Sfs, (const Vsp##t* pSrc, Vsp##t val, Vsp##t* pDst, int len, int scaleFactor)) { \
-    return ScaledVC<kind, constFirst>(pSrc, val, pDst, len, scaleFactor);                                       \
-  }
-#define VSP_INT_VC_I(fam, kind, constFirst, t)                                                     \
-  VSP_IMPL(VspStatus, vsps##fam##_##t##_ISfs, (Vsp##t val, Vsp##t * pSrcDst, int len, int scaleFactor)) { \
-    return ScaledVC<kind, constFirst, Vsp##t>(pSrcDst, val, pSrcDst, len, scaleFactor);            \
-  }
-#define VSP_INT_VC_BOTH(fam, kind, constFirst, t) VSP_INT_VC(fam, kind, constFirst, t) VSP_INT_VC_I(fam, kind, constFirst, t)
-
-VSP_INT_VC_BOTH(AddC, AddKind, false, 8u)
-VSP_INT_VC_BOTH(AddC, AddKind, false, 16u)
-VSP_INT_VC_BOTH(AddC, AddKind, false, 16sc)
-VSP_INT_VC_BOTH(AddC, AddKind, false, 32s)
-VSP_INT_VC_BOTH(AddC, AddKind, false, 32sc)
-VSP_INT_VC(AddC, AddKind, false, 64s)
-VSP_INT_VC(AddC, AddKind, false, 64u)
-VSP_INT_VC_BOTH(SubC, SubKind, false, 8u)
-VSP_INT_VC_BOTH(SubC, SubKind, false, 16s)
-VSP_INT_VC_BOTH(SubC, SubKind, false, 16u)
-VSP_INT_VC_BOTH(SubC, SubKind, false, 16sc)
-VSP_INT_VC_BOTH(SubC, SubKind, false, 32s)
-VSP_INT_VC_BOTH(SubC, SubKind, false, 32sc)
-VSP_INT_VC_BOTH(SubCRev, SubKind, true, 8u)
-VSP_INT_VC_BOTH(SubCRev, SubKind, true, 16s)
-VSP_INT_VC_BOTH(SubCRev, SubKind, true, 16u)
-VSP_INT_VC_BOTH(SubCRev, SubKind, true, 16sc)
-VSP_INT_VC_BOTH(SubCRev, SubKind, true, 32s)
-VSP_INT_VC_BOTH(SubCRev, SubKind, true, 32sc)
-VSP_INT_VC_BOTH(MulC, MulKind, false, 8u)
-VSP_INT_VC_BOTH(MulC, MulKind, false, 16s)
-VSP_INT_VC_BOTH(MulC, MulKind, false, 16u)
-VSP_INT_VC(MulC, MulKind, false, 32s)
-VSP_INT_VC_I(MulC, MulKind, false, 64s)
+VSP_SHAPE_VC_SFS_BOTH(AddC, AddVC, 8u)
+VSP_SHAPE_VC_SFS_BOTH(AddC, AddVC, 16u)
+VSP_SHAPE_VC_SFS_BOTH(AddC, AddVC, 16sc)
+VSP_SHAPE_VC_SFS_BOTH(AddC, AddVC, 32s)
+VSP_SHAPE_VC_SFS_BOTH(AddC, AddVC, 32sc)
+VSP_SHAPE_VC_SFS(AddC, AddVC, 64s)
+VSP_SHAPE_VC_SFS(AddC, AddVC, 64u)
+VSP_SHAPE_VC_SFS_BOTH(SubC, SubVC, 8u)
+VSP_SHAPE_VC_SFS_BOTH(SubC, SubVC, 16s)
+VSP_SHAPE_VC_SFS_BOTH(SubC, SubVC, 16u)
+VSP_SHAPE_VC_SFS_BOTH(SubC, SubVC, 16sc)
+VSP_SHAPE_VC_SFS_BOTH(SubC, SubVC, 32s)
+VSP_SHAPE_VC_SFS_BOTH(SubC, SubVC, 32sc)
+VSP_SHAPE_VC_SFS_BOTH(SubCRev, SubRevVC, 8u)
+VSP_SHAPE_VC_SFS_BOTH(SubCRev, SubRevVC, 16s)
+VSP_SHAPE_VC_SFS_BOTH(SubCRev, SubRevVC, 16u)
+VSP_SHAPE_VC_SFS_BOTH(SubCRev, SubRevVC, 16sc)
+VSP_SHAPE_VC_SFS_BOTH(SubCRev, SubRevVC, 32s)
+VSP_SHAPE_VC_SFS_BOTH(SubCRev, SubRevVC, 32sc)
+VSP_SHAPE_VC_SFS_BOTH(MulC, MulVC, 8u)
+VSP_SHAPE_VC_SFS_BOTH(MulC, MulVC, 16s)
+VSP_SHAPE_VC_SFS_BOTH(MulC, MulVC, 16u)
+VSP_SHAPE_VC_SFS(MulC, MulVC, 32s)
+VSP_SHAPE_VC_ISFS(MulC, MulVC, 64s)
+VSP_SHAPE_VC_I(AddC, AddVC0, 16s)
+VSP_SHAPE_VC_I(SubC, SubVC0, 16s)
+VSP_SHAPE_VC_I(MulC, MulVC0, 16s)
+VSP_SHAPE_VC_SFS_BOTH(MulC, ComplexMulVC, 16sc)
+VSP_SHAPE_VC_SFS_BOTH(MulC, ComplexMulVC, 32sc)
 
 // Adding 0 without scaling is a copy.
 VSP_IMPL(VspStatus, vspsAddC_16s_Sfs, (const Vsp16s* pSrc, Vsp16s val, Vsp16s* pDst, int len, int scaleFactor)) {
@@ -256,15 +229,6 @@ VSP_IMPL(VspStatus, vspsAddC_16s_ISfs, (Vsp16s val, Vsp16s* pSrcDst, int len, in
   if (VspStatus st = CheckVec(len, pSrcDst)) return st;
   return VSP_CALL(vspsAddC_16s_Sfs)(pSrcDst, val, pSrcDst, len, scaleFactor);
 }
-VSP_IMPL(VspStatus, vspsAddC_16s_I, (Vsp16s val, Vsp16s* pSrcDst, int len)) {
-  return ScaledVC<AddKind, false, Vsp16s>(pSrcDst, val, pSrcDst, len, 0);
-}
-VSP_IMPL(VspStatus, vspsSubC_16s_I, (Vsp16s val, Vsp16s* pSrcDst, int len)) {
-  return ScaledVC<SubKind, false, Vsp16s>(pSrcDst, val, pSrcDst, len, 0);
-}
-VSP_IMPL(VspStatus, vspsMulC_16s_I, (Vsp16s val, Vsp16s* pSrcDst, int len)) {
-  return ScaledVC<MulKind, false, Vsp16s>(pSrcDst, val, pSrcDst, len, 0);
-}
 
 // Multiplying by 0 zeroes the vector; by 1 without scaling it leaves the vector as it is.
 VSP_IMPL(VspStatus, vspsMulC_32s_ISfs, (Vsp32s val, Vsp32s* pSrcDst, int len, int scaleFactor)) {
@@ -273,16 +237,6 @@ VSP_IMPL(VspStatus, vspsMulC_32s_ISfs, (Vsp32s val, Vsp32s* pSrcDst, int len, in
   if (val == 1 && scaleFactor == 0) return vspStatOk;
   return ScaledVC<MulKind, false, Vsp32s>(pSrcDst, val, pSrcDst, len, scaleFactor);
 }
-
-#define VSP_CPLX_MULC(t)                                                                                          \
-  VSP_IMPL(VspStatus, vspsMulC_##t##_Sfs, (const Vsp##t* pSrc, Vsp##t val, Vsp##t* pDst, int len, int scaleFactor)) { \
-    return ComplexMulVC(pSrc, val, pDst, len, scaleFactor);                                                       \
-  }                                                                                                               \
-  VSP_IMPL(VspStatus, vspsMulC_##t##_ISfs, (Vsp##t val, Vsp##t * pSrcDst, int len, int scaleFactor)) {            \
-    return ComplexMulVC<Vsp##t>(pSrcDst, val, pSrcDst, len, scaleFactor);                                         \
-  }
-VSP_CPLX_MULC(16sc)
-VSP_CPLX_MULC(32sc)
 
 // ---- accumulated products ---------------------------------------------------------------------------
 

@@ -3,6 +3,7 @@
 // divisor writes 0, the maximum or the minimum by the dividend's sign and raises the warning.
 #include "arith/int_kernels.h"
 #include "arith/scale.h"
+#include "arith/shapes.h"
 #include "arith/shortcuts.h"
 #include "core/check.h"
 #include "core/impl.h"
@@ -195,19 +196,26 @@ VspStatus DivVC(const T* pSrc, T val, T* pDst, int len, int s) {
   return vspStatOk;
 }
 
+// val / pSrc[i]. With val 0 every quotient is 0: the destination is zeroed, and a zero element
+// still raises the warning.
+template <class T>
+VspStatus DivRevVC(const T* pSrc, T val, T* pDst, int len) {
+  if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
+  if (val == 0) {
+    bool zero = false;
+    for (int i = 0; i < len; ++i) zero |= pSrc[i] == 0;
+    if (VspStatus st = ZeroOf(pDst, len)) return st;
+    return zero ? vspStatDivByZeroWarn : vspStatOk;
+  }
+  return ownsDivScaled(Broadcast<T>(val), Stream<T>{pSrc}, pDst, len, 0, vspRndNear) ? vspStatDivByZeroWarn : vspStatOk;
+}
+
 }  // namespace
 
-#define VSP_DIV(t)                                                                                               \
-  VSP_IMPL(VspStatus, vspsDiv_##t##_Sfs, (const Vsp##t* pSrc1, const Vsp##t* pSrc2, Vsp##t* pDst, int len, int scaleFactor)) { \
-    return DivVV(pSrc1, pSrc2, pDst, len, scaleFactor);                                                          \
-  }                                                                                                              \
-  VSP_IMPL(VspStatus, vspsDiv_##t##_ISfs, (const Vsp##t* pSrc, Vsp##t* pSrcDst, int len, int scaleFactor)) {     \
-    return DivVV<Vsp##t>(pSrc, pSrcDst, pSrcDst, len, scaleFactor);                                              \
-  }
-VSP_DIV(8u)
-VSP_DIV(16u)
-VSP_DIV(16sc)
-VSP_DIV(32s)
+VSP_SHAPE_VV_SFS_BOTH(Div, DivVV, 8u)
+VSP_SHAPE_VV_SFS_BOTH(Div, DivVV, 16u)
+VSP_SHAPE_VV_SFS_BOTH(Div, DivVV, 16sc)
+VSP_SHAPE_VV_SFS_BOTH(Div, DivVV, 32s)
 
 // Above 15 every quotient of 16s elements rounds to 0: the zero divisors alone get values.
 VSP_IMPL(VspStatus, vspsDiv_16s_Sfs, (const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp16s* pDst, int len, int scaleFactor)) {
@@ -242,40 +250,10 @@ VSP_DIV_ROUND(8u)
 VSP_DIV_ROUND(16s)
 VSP_DIV_ROUND(16u)
 
-#define VSP_DIVC(t)                                                                                              \
-  VSP_IMPL(VspStatus, vspsDivC_##t##_Sfs, (const Vsp##t* pSrc, Vsp##t val, Vsp##t* pDst, int len, int scaleFactor)) { \
-    return DivVC(pSrc, val, pDst, len, scaleFactor);                                                             \
-  }                                                                                                              \
-  VSP_IMPL(VspStatus, vspsDivC_##t##_ISfs, (Vsp##t val, Vsp##t * pSrcDst, int len, int scaleFactor)) {           \
-    return DivVC<Vsp##t>(pSrcDst, val, pSrcDst, len, scaleFactor);                                               \
-  }
-VSP_DIVC(8u)
-VSP_DIVC(16s)
-VSP_DIVC(16u)
-VSP_DIVC(16sc)
+VSP_SHAPE_VC_SFS_BOTH(DivC, DivVC, 8u)
+VSP_SHAPE_VC_SFS_BOTH(DivC, DivVC, 16s)
+VSP_SHAPE_VC_SFS_BOTH(DivC, DivVC, 16u)
+VSP_SHAPE_VC_SFS_BOTH(DivC, DivVC, 16sc)
+VSP_SHAPE_VC_ISFS(DivC, DivVC, 64s)
 
-VSP_IMPL(VspStatus, vspsDivC_64s_ISfs, (Vsp64s val, Vsp64s* pSrcDst, int len, int scaleFactor)) {
-  return DivVC<Vsp64s>(pSrcDst, val, pSrcDst, len, scaleFactor);
-}
-
-// val / pSrc[i]. With val 0 every quotient is 0: the destination is zeroed, and a zero element
-// still raises the warning.
-namespace {
-VspStatus DivCRev16u(const Vsp16u* pSrc, Vsp16u val, Vsp16u* pDst, int len) {
-  if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
-  if (val == 0) {
-    bool zero = false;
-    for (int i = 0; i < len; ++i) zero |= pSrc[i] == 0;
-    if (VspStatus st = VSP_CALL(vspsZero_16s)(reinterpret_cast<Vsp16s*>(pDst), len)) return st;
-    return zero ? vspStatDivByZeroWarn : vspStatOk;
-  }
-  return ownsDivScaled(Broadcast<Vsp16u>(val), Stream<Vsp16u>{pSrc}, pDst, len, 0, vspRndNear) ? vspStatDivByZeroWarn
-                                                                                                  : vspStatOk;
-}
-}  // namespace
-VSP_IMPL(VspStatus, vspsDivCRev_16u, (const Vsp16u* pSrc, Vsp16u val, Vsp16u* pDst, int len)) {
-  return DivCRev16u(pSrc, val, pDst, len);
-}
-VSP_IMPL(VspStatus, vspsDivCRev_16u_I, (Vsp16u val, Vsp16u* pSrcDst, int len)) {
-  return DivCRev16u(pSrcDst, val, pSrcDst, len);
-}
+VSP_SHAPE_VC_BOTH(DivCRev, DivRevVC, 16u)

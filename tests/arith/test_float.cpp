@@ -170,7 +170,9 @@ TEST(FloatArith, Div32fRefinedReciprocal) {
         ASSERT_TRUE(SameFloat(d[i], RefinedQuotient(y[i], x[i]))) << y[i] << " / " << x[i] << " got " << d[i];
         // Within a few ulps of the true quotient where both are normal.
         const float q = y[i] / x[i];
-        if (std::isnormal(q) && std::isnormal(d[i])) ASSERT_LE(std::fabs(d[i] - q), 4 * std::fabs(q) * FLT_EPSILON);
+        if (std::isnormal(q) && std::isnormal(d[i])) {
+          ASSERT_LE(std::fabs(d[i] - q), 4 * std::fabs(q) * FLT_EPSILON);
+        }
       }
       ASSERT_EQ(vspsDiv_32f_I(x.data(), y.data(), n), zero ? vspStatDivByZeroWarn : vspStatOk);
       ASSERT_EQ(std::memcmp(y.data(), d.data(), n * sizeof(float)), 0) << "in place differs";
