@@ -244,28 +244,41 @@ TEST(IntArith, MixedTypes) {
   }
 }
 
-// The Sfs members that the export list quotes at their limits.
-TEST(IntArith, QuotedEdgeValues) {
-  auto add16 = [](Vsp16s a, Vsp16s b, int s) {
-    Vsp16s d = 0;
-    EXPECT_EQ(vspsAdd_16s_Sfs(&a, &b, &d, 1, s), vspStatOk);
-    return d;
-  };
-  EXPECT_EQ(add16(32767, 32767, 1), 32767);
-  EXPECT_EQ(add16(1, 0, 1), 0);
-  EXPECT_EQ(add16(-3, 0, 1), -2);
-  EXPECT_EQ(add16(16384, 16384, 16), 0);
-  EXPECT_EQ(add16(32767, 32767, 16), 1);
-  EXPECT_EQ(add16(-32768, -32768, 16), -1);
-  EXPECT_EQ(add16(20000, 20000, -1), 32767);
-  EXPECT_EQ(add16(1, 0, -16), 32767);
-  EXPECT_EQ(add16(-1, 0, -16), -32768);
-  Vsp16s m = -32768, r = 0;
-  EXPECT_EQ(vspsMul_16s_Sfs(&m, &m, &r, 1, 30), vspStatOk);
-  EXPECT_EQ(r, 1);
-  Vsp8u b = 255, d8 = 0;
-  EXPECT_EQ(vspsAdd_8u_Sfs(&b, &b, &d8, 1, 9), vspStatOk);
-  EXPECT_EQ(d8, 1);
+// The short-cuts through other exports give the rule's values.
+TEST(IntArith, ShortCutResults) {
+  Rng rng(8);
+  constexpr int n = 1000;  // beyond the inline sizes of the copy and zero kernels
+  std::vector<Vsp16s> a(n), b(n), d(n);
+  for (int i = 0; i < n; ++i) a[i] = RandomValue<Vsp16s>(rng), b[i] = RandomValue<Vsp16s>(rng);
+  // vspsAddC_16s_Sfs with 0 at scale 0 is a copy, also in place.
+  ASSERT_EQ(vspsAddC_16s_Sfs(a.data(), 0, d.data(), n, 0), vspStatOk);
+  EXPECT_EQ(d, a);
+  ASSERT_EQ(vspsAddC_16s_ISfs(0, d.data(), n, 0), vspStatOk);
+  EXPECT_EQ(d, a);
+  // vspsAdd_16u_Sfs above 17 zeroes.
+  std::vector<Vsp16u> u(n, 65535), ud(n, 7);
+  ASSERT_EQ(vspsAdd_16u_Sfs(u.data(), u.data(), ud.data(), n, 18), vspStatOk);
+  EXPECT_EQ(ud, std::vector<Vsp16u>(n, 0));
+  // vspsMulC_32s_ISfs: 0 zeroes, 1 unscaled keeps the vector.
+  std::vector<Vsp32s> w(n);
+  for (auto& v : w) v = RandomValue<Vsp32s>(rng);
+  const std::vector<Vsp32s> w0 = w;
+  ASSERT_EQ(vspsMulC_32s_ISfs(1, w.data(), n, 0), vspStatOk);
+  EXPECT_EQ(w, w0);
+  ASSERT_EQ(vspsMulC_32s_ISfs(0, w.data(), n, 5), vspStatOk);
+  EXPECT_EQ(w, std::vector<Vsp32s>(n, 0));
+  // vspsMul_16sc_Sfs with the destination equal to either source equals the out-of-place result.
+  std::vector<Vsp16sc> x(n), y(n), want(n), got(n);
+  for (int i = 0; i < n; ++i) x[i] = RandomElement<Vsp16sc>(rng), y[i] = RandomElement<Vsp16sc>(rng);
+  for (int s : {0, 3, -2}) {
+    ASSERT_EQ(vspsMul_16sc_Sfs(x.data(), y.data(), want.data(), n, s), vspStatOk);
+    got = x;
+    ASSERT_EQ(vspsMul_16sc_Sfs(got.data(), y.data(), got.data(), n, s), vspStatOk);
+    EXPECT_EQ(std::memcmp(got.data(), want.data(), n * sizeof(Vsp16sc)), 0) << "pDst == pSrc1, s " << s;
+    got = y;
+    ASSERT_EQ(vspsMul_16sc_Sfs(x.data(), got.data(), got.data(), n, s), vspStatOk);
+    EXPECT_EQ(std::memcmp(got.data(), want.data(), n * sizeof(Vsp16sc)), 0) << "pDst == pSrc2, s " << s;
+  }
 }
 
 }  // namespace
