@@ -243,8 +243,11 @@ VSP_IMPL(VspStatus, vspsMulC_32s_ISfs, (Vsp32s val, Vsp32s* pSrcDst, int len, in
 VSP_IMPL(VspStatus, vspsAddProduct_16s_Sfs, (const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp16s* pSrcDst, int len, int scaleFactor)) {
   return AddProductSfs(pSrc1, pSrc2, pSrcDst, len, scaleFactor);
 }
+// The 16s products are exact in 32 bits: a sum of two 32s elements.
 VSP_IMPL(VspStatus, vspsAddProduct_16s32s_Sfs, (const Vsp16s* pSrc1, const Vsp16s* pSrc2, Vsp32s* pSrcDst, int len, int scaleFactor)) {
-  return AddProductSfs(pSrc1, pSrc2, pSrcDst, len, scaleFactor);
+  if (VspStatus st = CheckVec(len, pSrc1, pSrc2, pSrcDst)) return st;
+  return RunScaled<Sum32Op<AddKind>>(Stream<Vsp32s>{pSrcDst}, Products16{pSrc1, pSrc2}, pSrcDst, len, scaleFactor,
+                                     [&] { return ZeroOf(pSrcDst, len); });
 }
 VSP_IMPL(VspStatus, vspsAddProduct_32s_Sfs, (const Vsp32s* pSrc1, const Vsp32s* pSrc2, Vsp32s* pSrcDst, int len, int scaleFactor)) {
   return AddProductSfs(pSrc1, pSrc2, pSrcDst, len, scaleFactor);

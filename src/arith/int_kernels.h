@@ -313,6 +313,19 @@ struct Widened16 {
   hw::Vec<Vsp32s> Load(long long i) const { return hw::PromoteLo(hw::LoadLow(p + i)); }
 };
 
+// The products of two 16s vectors read as 32s elements (exact: |a * b| <= 2^30).
+struct Products16 {
+  using Elem = Vsp32s;
+  const Vsp16s* a;
+  const Vsp16s* b;
+  Vsp32s At(long long i) const { return Vsp32s(a[i]) * b[i]; }
+  hw::Vec<Vsp32s> Load(long long i) const {
+    hw::Vec<Vsp32s> lo, hi;
+    hw::MulWide(hw::LoadLow(a + i), hw::LoadLow(b + i), lo, hi);
+    return lo;
+  }
+};
+
 // ---- the element loop -------------------------------------------------------------------------
 
 // d[i] = ScaleRule(Op(x[i], y[i] [, d[i]]), s) over the path P of s.

@@ -232,8 +232,8 @@ TEST(IntArith, Exhaustive8u) {
 TEST(IntArith, MixedTypes) {
   Rng rng(4);
   const std::vector<int> scales = BoundaryScales();
-  for (int n : {1, 7, 8, 9, 33, 300}) {
-    for (size_t off : {0, 2, 6}) {
+  for (int n : {1, 2, 3, 5, 7, 8, 9, 15, 17, 33, 300}) {
+    for (size_t off : {0, 2, 4, 6, 8, 12}) {
       Check(Member<Vsp8u, Vsp8u, Vsp16u>{"Add_8u16u", VV0(vspsAdd_8u16u), Sum, false}, rng, n, off, {0});
       Check(Member<Vsp8u, Vsp8u, Vsp16u>{"Mul_8u16u", VV0(vspsMul_8u16u), Prod, false}, rng, n, off, {0});
       Check(Member<Vsp16s, Vsp16s, Vsp32s>{"Mul_16s32s_Sfs", VV(vspsMul_16s32s_Sfs), Prod}, rng, n, off, scales);
