@@ -107,6 +107,12 @@ struct MulOp {
     else return hw::Mul(x, y);
   }
 };
+// pd + x * y, for the accumulating loop: the product rounded, then the sum with the destination.
+struct MulAddOp : MulOp {
+  static constexpr bool kAccumulate = true;
+};
+template <class Op> inline constexpr bool kAccumulates = requires { Op::kAccumulate; };
+
 struct DivOp {
   template <class T> static T Scalar(T x, T y) { return ElemDiv(x, y); }
   template <class T, class V> static V Vector(V x, V y) {
@@ -134,12 +140,12 @@ inline void Put(hw::Vec<B> v, B* p) {
   else hw::StoreU(v, p);
 }
 
-// d[i] = Op(x[i], y[i]); with a divisor check, flag becomes true where y[i] is zero. Four vectors
-// per step.
+// d[i] = Op(x[i], y[i]), or d[i] + Op(x[i], y[i]) for accumulating operations; with a divisor
+// check, flag becomes true where y[i] is zero. Four vectors per step.
 template <class Op, class T, class X, class Y, bool kCheckZero = false, bool kStream = false>
 struct FloatEach {
   using B = BaseOf<T>;
-  static constexpr int kPer = 16 / static_cast<int>(sizeof(T)) > 0 ? 16 / static_cast<int>(sizeof(T)) : 1;
+  static constexpr int kPer = 16 / static_cast<int>(sizeof(T));
   static constexpr int kStep = 4 * kPer;
   X x;
   Y y;
@@ -150,14 +156,17 @@ struct FloatEach {
   void Scalar(long long i) {
     const T yi = y.At(i);
     if constexpr (kCheckZero) flag |= ElemIsZero(yi);
-    d[i] = Op::template Scalar<T>(x.At(i), yi);
+    if constexpr (kAccumulates<Op>) d[i] = ElemAdd(d[i], Op::template Scalar<T>(x.At(i), yi));
+    else d[i] = Op::template Scalar<T>(x.At(i), yi);
   }
   void Vector(long long i) {
     B* out = reinterpret_cast<B*>(d + i);
     for (int k = 0; k < 4; ++k) {
       hw::Vec<B> yv = y.Load(i + k * kPer);
       if constexpr (kCheckZero) zeros = hw::Or(zeros, ZeroElements<T>(yv));
-      Put<kStream>(Op::template Vector<T>(x.Load(i + k * kPer), yv), out + k * (16 / sizeof(B)));
+      hw::Vec<B> r = Op::template Vector<T>(x.Load(i + k * kPer), yv);
+      if constexpr (kAccumulates<Op>) r = hw::Add(hw::LoadU(out + k * (16 / sizeof(B))), r);
+      Put<kStream>(r, out + k * (16 / sizeof(B)));
     }
   }
   bool Flagged() const { return flag || hw::AnyTrue(zeros); }
@@ -166,7 +175,7 @@ struct FloatEach {
 // d[i] = Op(x[i], y[i]) over n elements; returns true when kCheckZero and some y[i] was zero.
 template <class Op, bool kCheckZero = false, class T, class X, class Y>
 inline bool ownsEach(X x, Y y, T* d, long long n) {
-  if (StreamOutput(d, n, x.p, y.p)) {
+  if (!kAccumulates<Op> && StreamOutput(d, n, x.p, y.p)) {
     FloatEach<Op, T, X, Y, kCheckZero, true> op{x, y, d};
     ForEachAligned(d, n, op);
     hw::StoreFence();
@@ -193,40 +202,19 @@ template <class T> inline bool ownsDiv(const T* a, const T* b, T* d, long long n
   return ownsEach<DivOp, true>(Stream<T>{a}, Stream<T>{b}, d, n);
 }
 
-// d[i] += x[i] * y[i] (the product rounded, then the sum).
-template <class T, class X, class Y>
-struct AddProductEach {
-  using B = BaseOf<T>;
-  static constexpr int kPer = 16 / static_cast<int>(sizeof(T)) > 0 ? 16 / static_cast<int>(sizeof(T)) : 1;
-  static constexpr int kStep = 2 * kPer;
-  X x;
-  Y y;
-  T* d;
-  void Scalar(long long i) { d[i] = ElemAdd(d[i], ElemMul(x.At(i), y.At(i))); }
-  void Vector(long long i) {
-    for (int k = 0; k < 2; ++k) {
-      B* out = reinterpret_cast<B*>(d + i + k * kPer);
-      hw::Vec<B> p = MulOp::template Vector<T>(x.Load(i + k * kPer), y.Load(i + k * kPer));
-      hw::StoreU(hw::Add(hw::LoadU(out), p), out);
-    }
-  }
-};
-template <class T, class X, class Y> inline void ownsAddProductEach(X x, Y y, T* d, long long n) {
-  AddProductEach<T, X, Y> op{x, y, d};
-  ForEachAligned(d, n, op);
-}
+// d[i] += a[i] * b[i] and d[i] += a[i] * c (the product rounded, then the sum).
 template <class T> inline void ownsAddProduct(const T* a, const T* b, T* d, long long n) {
-  ownsAddProductEach(Stream<T>{a}, Stream<T>{b}, d, n);
+  ownsEach<MulAddOp>(Stream<T>{a}, Stream<T>{b}, d, n);
 }
 template <class T> inline void ownsAddProductC(const T* a, T c, T* d, long long n) {
-  ownsAddProductEach(Stream<T>{a}, Broadcast<T>(c), d, n);
+  ownsEach<MulAddOp>(Stream<T>{a}, Broadcast<T>(c), d, n);
 }
 
 // d[i] = a[i] * b[i] for a real vector a and a complex vector b: (a*b.re, a*b.im).
 template <class B>
 struct MulRealComplexEach {
   using C = std::conditional_t<std::is_same_v<B, Vsp32f>, Vsp32fc, Vsp64fc>;
-  static constexpr int kPer = 16 / static_cast<int>(sizeof(C)) > 0 ? 16 / static_cast<int>(sizeof(C)) : 1;
+  static constexpr int kPer = 16 / static_cast<int>(sizeof(C));
   static constexpr int kStep = 2 * kPer;
   const B* a;
   const C* b;
