@@ -64,6 +64,9 @@ template <class T> inline void StoreStream(Vec<T> v, T* p) {
   else _mm_stream_si128(reinterpret_cast<__m128i*>(p), v.raw);
 }
 
+// Orders the non-temporal stores before every later store (after a loop of StoreStream).
+inline void StoreFence() { _mm_sfence(); }
+
 template <class T> inline Vec<T> Set1(T x) {
   if constexpr (std::is_same_v<T, Vsp32f>) return {_mm_set1_ps(x)};
   else if constexpr (std::is_same_v<T, Vsp64f>) return {_mm_set1_pd(x)};
@@ -290,6 +293,9 @@ template <class T> inline Vec<T> Ge(Vec<T> a, Vec<T> b) {
   else return Not(Gt(b, a));
 }
 template <class T> inline Vec<T> Le(Vec<T> a, Vec<T> b) { return Ge(b, a); }
+// !(a < b): true where a >= b and where either lane is NaN.
+inline Vec<Vsp32f> NotLt(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_cmpnlt_ps(a.raw, b.raw)}; }
+inline Vec<Vsp64f> NotLt(Vec<Vsp64f> a, Vec<Vsp64f> b) { return {_mm_cmpnlt_pd(a.raw, b.raw)}; }
 // True where either lane is NaN.
 inline Vec<Vsp32f> Unordered(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_cmpunord_ps(a.raw, b.raw)}; }
 inline Vec<Vsp64f> Unordered(Vec<Vsp64f> a, Vec<Vsp64f> b) { return {_mm_cmpunord_pd(a.raw, b.raw)}; }
