@@ -125,7 +125,9 @@ TEST(Norms, IntegerNormsAreExactAndScaled) {
           ASSERT_EQ(r[1], RefRound<Vsp32s>(std::ldexp(static_cast<long double>(ref.l1), -sf))) << sf;
           ASSERT_EQ(sq, RefRound<Vsp64s>(std::ldexp(static_cast<long double>(ref.sq), -sf))) << sf;
           const long double l2 = std::ldexp(std::sqrt(static_cast<long double>(ref.sq)), -sf);
-          if (!NearHalf(l2, 1e-15L)) ASSERT_EQ(r[2], RefRound<Vsp32s>(l2)) << sf;
+          if (!NearHalf(l2, 1e-15L)) {
+          ASSERT_EQ(r[2], RefRound<Vsp32s>(l2)) << sf;
+        }
         }
       }
     }

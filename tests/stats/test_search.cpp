@@ -136,12 +136,16 @@ TEST(Search, ScaledNormalizeRoundsTheExactQuotient) {
       ASSERT_EQ(vspsNormalize_16s_Sfs(v.data(), d.data(), 2 * n, sub, vDiv, sf), vspStatOk);
       for (int i = 0; i < 2 * n; ++i) {
         const long double q = std::ldexp(static_cast<long double>(v[i] - sub), -sf) / vDiv;
-        if (!NearHalf(q, 1e-15L)) ASSERT_EQ(d[i], RefRound<Vsp16s>(q)) << v[i] << " / " << vDiv << " sf " << sf;
+        if (!NearHalf(q, 1e-15L)) {
+          ASSERT_EQ(d[i], RefRound<Vsp16s>(q)) << v[i] << " / " << vDiv << " sf " << sf;
+        }
       }
       ASSERT_EQ(vspsNormalize_16sc_Sfs(reinterpret_cast<const Vsp16sc*>(v.data()), reinterpret_cast<Vsp16sc*>(d.data()), n, subc, vDiv, sf), vspStatOk);
       for (int i = 0; i < 2 * n; ++i) {
         const long double q = std::ldexp(static_cast<long double>(v[i] - (i % 2 ? subc.im : subc.re)), -sf) / vDiv;
-        if (!NearHalf(q, 1e-15L)) ASSERT_EQ(d[i], RefRound<Vsp16s>(q)) << i << " sf " << sf;
+        if (!NearHalf(q, 1e-15L)) {
+          ASSERT_EQ(d[i], RefRound<Vsp16s>(q)) << i << " sf " << sf;
+        }
       }
     }
   }
