@@ -10,19 +10,32 @@
 namespace vsptest {
 namespace {
 
-template <class T> struct PartOf { using Type = T; };
-template <> struct PartOf<Vsp32fc> { using Type = Vsp32f; };
-template <> struct PartOf<Vsp64fc> { using Type = Vsp64f; };
+template <class T>
+struct PartOf {
+  using Type = T;
+};
+template <>
+struct PartOf<Vsp32fc> {
+  using Type = Vsp32f;
+};
+template <>
+struct PartOf<Vsp64fc> {
+  using Type = Vsp64f;
+};
 
 // Norm functions of one source type, indexed [Inf, L1, L2][plain, diff]; R the result type.
-template <class T> struct NormFns;
-#define VSP_NORM_FNS(t, sInf, sL) \
-  template <> struct NormFns<Vsp##t> { \
-    using RInf = Vsp##sInf; using RL = Vsp##sL; \
-    static constexpr VspStatus (*kInf[2])(const Vsp##t*, int, RInf*) = {vspsNorm_Inf_##t, nullptr}; \
+template <class T>
+struct NormFns;
+#define VSP_NORM_FNS(t, sInf, sL)                                                                            \
+  template <>                                                                                                \
+  struct NormFns<Vsp##t> {                                                                                   \
+    using RInf = Vsp##sInf;                                                                                  \
+    using RL = Vsp##sL;                                                                                      \
+    static constexpr VspStatus (*kInf[2])(const Vsp##t*, int, RInf*) = {vspsNorm_Inf_##t, nullptr};          \
     static constexpr VspStatus (*kInfDiff)(const Vsp##t*, const Vsp##t*, int, RInf*) = vspsNormDiff_Inf_##t; \
-    static constexpr VspStatus (*kL[2])(const Vsp##t*, int, RL*) = {vspsNorm_L1_##t, vspsNorm_L2_##t}; \
-    static constexpr VspStatus (*kLDiff[2])(const Vsp##t*, const Vsp##t*, int, RL*) = {vspsNormDiff_L1_##t, vspsNormDiff_L2_##t}; \
+    static constexpr VspStatus (*kL[2])(const Vsp##t*, int, RL*) = {vspsNorm_L1_##t, vspsNorm_L2_##t};       \
+    static constexpr VspStatus (*kLDiff[2])(const Vsp##t*, const Vsp##t*, int, RL*) = {vspsNormDiff_L1_##t,  \
+                                                                                       vspsNormDiff_L2_##t}; \
   };
 #define vspsNorm_Inf_32fc vspsNorm_Inf_32fc32f
 #define vspsNormDiff_Inf_32fc vspsNormDiff_Inf_32fc32f
@@ -36,9 +49,10 @@ template <class T> struct NormFns;
 #define vspsNormDiff_L1_64fc vspsNormDiff_L1_64fc64f
 #define vspsNorm_L2_64fc vspsNorm_L2_64fc64f
 #define vspsNormDiff_L2_64fc vspsNormDiff_L2_64fc64f
-VSP_NORM_FNS(32f, 32f, 32f) VSP_NORM_FNS(64f, 64f, 64f) VSP_NORM_FNS(32fc, 32f, 64f) VSP_NORM_FNS(64fc, 64f, 64f)
+VSP_NORM_FNS(32f, 32f, 32f)
+VSP_NORM_FNS(64f, 64f, 64f) VSP_NORM_FNS(32fc, 32f, 64f) VSP_NORM_FNS(64fc, 64f, 64f)
 
-TEST(Norms, FloatNormsAgreeWithExtendedReferences) {
+    TEST(Norms, FloatNormsAgreeWithExtendedReferences) {
   ForEachType(TypeList<Vsp32f, Vsp64f, Vsp32fc, Vsp64fc>{}, []<class T>() {
     using P = typename PartOf<T>::Type;
     using F = NormFns<T>;
@@ -49,13 +63,15 @@ TEST(Norms, FloatNormsAgreeWithExtendedReferences) {
         GuardedVec<T> a(n, off), b(n, StatOffsets<T>().back() - off);
         P* x = reinterpret_cast<P*>(a.data());
         P* y = reinterpret_cast<P*>(b.data());
-        for (int i = 0; i < n * kW; ++i) x[i] = static_cast<P>(rng.Uniform(-4, 4)), y[i] = static_cast<P>(rng.Uniform(-4, 4));
+        for (int i = 0; i < n * kW; ++i)
+          x[i] = static_cast<P>(rng.Uniform(-4, 4)), y[i] = static_cast<P>(rng.Uniform(-4, 4));
         for (int diff = 0; diff < 2; ++diff) {
           long double inf = 0, l1 = 0, l2 = 0;
           for (int i = 0; i < n; ++i) {
             long double sq = 0;
             for (int c = 0; c < kW; ++c) {
-              long double d = diff ? static_cast<long double>(static_cast<P>(x[i * kW + c] - y[i * kW + c])) : x[i * kW + c];
+              long double d =
+                  diff ? static_cast<long double>(static_cast<P>(x[i * kW + c] - y[i * kW + c])) : x[i * kW + c];
               sq += d * d;
             }
             inf = std::max(inf, std::sqrt(sq)), l1 += std::sqrt(sq), l2 += sq;
@@ -108,26 +124,37 @@ TEST(Norms, IntegerNormsAreExactAndScaled) {
         const IntNorms ref = RefIntNorms(a.data(), diff ? b.data() : nullptr, n);
         SCOPED_TRACE("len " + std::to_string(n) + " kind " + std::to_string(kind) + (diff ? " diff" : ""));
         Vsp32f f[3];
-        ASSERT_EQ(diff ? vspsNormDiff_Inf_16s32f(a.data(), b.data(), n, f) : vspsNorm_Inf_16s32f(a.data(), n, f), vspStatOk);
-        ASSERT_EQ(diff ? vspsNormDiff_L1_16s32f(a.data(), b.data(), n, f + 1) : vspsNorm_L1_16s32f(a.data(), n, f + 1), vspStatOk);
-        ASSERT_EQ(diff ? vspsNormDiff_L2_16s32f(a.data(), b.data(), n, f + 2) : vspsNorm_L2_16s32f(a.data(), n, f + 2), vspStatOk);
+        ASSERT_EQ(diff ? vspsNormDiff_Inf_16s32f(a.data(), b.data(), n, f) : vspsNorm_Inf_16s32f(a.data(), n, f),
+                  vspStatOk);
+        ASSERT_EQ(diff ? vspsNormDiff_L1_16s32f(a.data(), b.data(), n, f + 1) : vspsNorm_L1_16s32f(a.data(), n, f + 1),
+                  vspStatOk);
+        ASSERT_EQ(diff ? vspsNormDiff_L2_16s32f(a.data(), b.data(), n, f + 2) : vspsNorm_L2_16s32f(a.data(), n, f + 2),
+                  vspStatOk);
         EXPECT_EQ(f[0], static_cast<Vsp32f>(ref.inf));
         EXPECT_EQ(f[1], static_cast<Vsp32f>(ref.l1));
         EXPECT_NEAR(f[2], std::sqrt(static_cast<double>(ref.sq)), 6e-8 * std::sqrt(static_cast<double>(ref.sq)));
         for (int sf = -40; sf <= 40; ++sf) {
           Vsp32s r[3];
           Vsp64s sq;
-          ASSERT_EQ(diff ? vspsNormDiff_Inf_16s32s_Sfs(a.data(), b.data(), n, r, sf) : vspsNorm_Inf_16s32s_Sfs(a.data(), n, r, sf), vspStatOk);
-          ASSERT_EQ(diff ? vspsNormDiff_L1_16s32s_Sfs(a.data(), b.data(), n, r + 1, sf) : vspsNorm_L1_16s32s_Sfs(a.data(), n, r + 1, sf), vspStatOk);
-          ASSERT_EQ(diff ? vspsNormDiff_L2_16s32s_Sfs(a.data(), b.data(), n, r + 2, sf) : vspsNorm_L2_16s32s_Sfs(a.data(), n, r + 2, sf), vspStatOk);
-          ASSERT_EQ(diff ? vspsNormDiff_L2Sqr_16s64s_Sfs(a.data(), b.data(), n, &sq, sf) : vspsNorm_L2Sqr_16s64s_Sfs(a.data(), n, &sq, sf), vspStatOk);
+          ASSERT_EQ(diff ? vspsNormDiff_Inf_16s32s_Sfs(a.data(), b.data(), n, r, sf)
+                         : vspsNorm_Inf_16s32s_Sfs(a.data(), n, r, sf),
+                    vspStatOk);
+          ASSERT_EQ(diff ? vspsNormDiff_L1_16s32s_Sfs(a.data(), b.data(), n, r + 1, sf)
+                         : vspsNorm_L1_16s32s_Sfs(a.data(), n, r + 1, sf),
+                    vspStatOk);
+          ASSERT_EQ(diff ? vspsNormDiff_L2_16s32s_Sfs(a.data(), b.data(), n, r + 2, sf)
+                         : vspsNorm_L2_16s32s_Sfs(a.data(), n, r + 2, sf),
+                    vspStatOk);
+          ASSERT_EQ(diff ? vspsNormDiff_L2Sqr_16s64s_Sfs(a.data(), b.data(), n, &sq, sf)
+                         : vspsNorm_L2Sqr_16s64s_Sfs(a.data(), n, &sq, sf),
+                    vspStatOk);
           ASSERT_EQ(r[0], RefRound<Vsp32s>(std::ldexp(static_cast<long double>(ref.inf), -sf))) << sf;
           ASSERT_EQ(r[1], RefRound<Vsp32s>(std::ldexp(static_cast<long double>(ref.l1), -sf))) << sf;
           ASSERT_EQ(sq, RefRound<Vsp64s>(std::ldexp(static_cast<long double>(ref.sq), -sf))) << sf;
           const long double l2 = std::ldexp(std::sqrt(static_cast<long double>(ref.sq)), -sf);
           if (!NearHalf(l2, 1e-15L)) {
-          ASSERT_EQ(r[2], RefRound<Vsp32s>(l2)) << sf;
-        }
+            ASSERT_EQ(r[2], RefRound<Vsp32s>(l2)) << sf;
+          }
         }
       }
     }

@@ -50,13 +50,17 @@ TEST(Search, CountInRangeCountsTheClosedInterval) {
   }
 }
 
-template <class T> double RefCrossings(const T* v, int n, int type) {
+template <class T>
+double RefCrossings(const T* v, int n, int type) {
   auto sign = [](T x) { return x > 0 ? 1 : (x < 0 ? -1 : 0); };
   double c = 0;
   for (int i = 1; i < n; ++i) {
-    if (type == 1) c += std::signbit(static_cast<double>(v[i])) != std::signbit(static_cast<double>(v[i - 1]));
-    else if (type == 0) c += std::abs(sign(v[i]) - sign(v[i - 1])) / 2.0;
-    else c += sign(v[i]) * sign(v[i - 1]) < 0;
+    if (type == 1)
+      c += std::signbit(static_cast<double>(v[i])) != std::signbit(static_cast<double>(v[i - 1]));
+    else if (type == 0)
+      c += std::abs(sign(v[i]) - sign(v[i - 1])) / 2.0;
+    else
+      c += sign(v[i]) * sign(v[i - 1]) < 0;
   }
   return c;
 }
@@ -94,12 +98,16 @@ TEST(Search, ReplaceNanAndNormalizeElementByElement) {
         GuardedVec<T> v(n, off), d(n, StatOffsets<T>().back() - off);
         for (int i = 0; i < n; ++i) {
           const int k = static_cast<int>(rng.Int(0, 5));
-          v[i] = k == 0 ? -std::numeric_limits<T>::quiet_NaN() : k == 1 ? std::numeric_limits<T>::infinity() : static_cast<T>(rng.Uniform(-9, 9));
+          v[i] = k == 0   ? -std::numeric_limits<T>::quiet_NaN()
+                 : k == 1 ? std::numeric_limits<T>::infinity()
+                          : static_cast<T>(rng.Uniform(-9, 9));
         }
         std::vector<T> orig(v.data(), v.data() + n);
         const T sub = static_cast<T>(1.25), div = static_cast<T>(-0.3);
         ASSERT_EQ(NormalizeReal(v.data(), d.data(), n), vspStatOk);
-        for (int i = 0; i < n; ++i) ASSERT_TRUE(SameBits(d[i], static_cast<T>((orig[i] - sub) / div)) || (d[i] != d[i] && orig[i] != orig[i])) << i;
+        for (int i = 0; i < n; ++i)
+          ASSERT_TRUE(SameBits(d[i], static_cast<T>((orig[i] - sub) / div)) || (d[i] != d[i] && orig[i] != orig[i]))
+              << i;
         ASSERT_EQ(ReplaceNan(v.data(), n), vspStatOk);
         for (int i = 0; i < n; ++i) ASSERT_TRUE(SameBits(v[i], orig[i] != orig[i] ? T(7) : orig[i])) << i;
         ASSERT_TRUE(v.OutsideIntact() && d.OutsideIntact());
@@ -140,7 +148,9 @@ TEST(Search, ScaledNormalizeRoundsTheExactQuotient) {
           ASSERT_EQ(d[i], RefRound<Vsp16s>(q)) << v[i] << " / " << vDiv << " sf " << sf;
         }
       }
-      ASSERT_EQ(vspsNormalize_16sc_Sfs(reinterpret_cast<const Vsp16sc*>(v.data()), reinterpret_cast<Vsp16sc*>(d.data()), n, subc, vDiv, sf), vspStatOk);
+      ASSERT_EQ(vspsNormalize_16sc_Sfs(reinterpret_cast<const Vsp16sc*>(v.data()), reinterpret_cast<Vsp16sc*>(d.data()),
+                                       n, subc, vDiv, sf),
+                vspStatOk);
       for (int i = 0; i < 2 * n; ++i) {
         const long double q = std::ldexp(static_cast<long double>(v[i] - (i % 2 ? subc.im : subc.re)), -sf) / vDiv;
         if (!NearHalf(q, 1e-15L)) {
