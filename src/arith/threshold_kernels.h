@@ -1,0 +1,68 @@
+// The loop of the threshold kernels: a rule maps a vector of elements (real or complex) to the
+// thresholded vector. The body applies it to two vectors per step; the head and the tail apply
+// it to one element copied into every lane, so every path computes the same formula.
+#pragma once
+
+#include <cstring>
+
+#include "core/loop.h"
+#include "core/simd/sse3.h"
+#include "core/types.h"
+
+namespace vsp::thr {
+
+namespace hw = vsp::simd;
+
+// Elements of T in vectors of its component type.
+template <class T>
+struct ElemVec {
+  using Lane = BaseOf<T>;
+  using V = hw::Vec<Lane>;
+  static constexpr int kPerVec = 16 / static_cast<int>(sizeof(T));
+
+  static V Load(const T* p) { return hw::LoadU(reinterpret_cast<const Lane*>(p)); }
+  static void Store(V v, T* p) { hw::StoreU(v, reinterpret_cast<Lane*>(p)); }
+  // x in every element slot of a vector.
+  static V Broadcast(const T& x) {
+    if constexpr (sizeof(T) == 16) {
+      return Load(&x);
+    } else {
+      BitsOf<sizeof(T)> bits;
+      std::memcpy(&bits, &x, sizeof(T));
+      return hw::BitCast<Lane>(hw::Set1(bits));
+    }
+  }
+  // The first element slot of v.
+  static void StoreFirst(V v, T* p) {
+    if constexpr (sizeof(T) == 16) {
+      Store(v, p);
+    } else {
+      const BitsOf<sizeof(T)> bits = hw::GetLane0(hw::BitCast<BitsOf<sizeof(T)>>(v));
+      std::memcpy(p, &bits, sizeof(T));
+    }
+  }
+};
+
+template <class T, class Rule>
+struct ThresholdOp {
+  using E = ElemVec<T>;
+  static constexpr int kStep = 2 * E::kPerVec;
+  const T* src;
+  T* dst;
+  Rule& rule;
+  void Scalar(long long i) { E::StoreFirst(rule(E::Broadcast(src[i])), dst + i); }
+  void Vector(long long i) {
+    const auto a = E::Load(src + i), b = E::Load(src + i + E::kPerVec);
+    E::Store(rule(a), dst + i);
+    E::Store(rule(b), dst + i + E::kPerVec);
+  }
+};
+
+// dst[i] = rule(src[i]); src may equal dst. The rule may keep state (a warning flag).
+template <class T, class Rule>
+void ownsThreshold(const T* src, T* dst, long long n, Rule& rule) {
+  ThresholdOp<T, Rule> op{src, dst, rule};
+  ForEachAligned(dst, n, op);
+}
+
+}  // namespace vsp::thr
