@@ -21,21 +21,24 @@ using VD = hw::Vec<Vsp64f>;
 // ---- one complex element in double lanes (re, im) ------------------------------------------------
 
 // z = a * u with a = max(|re|, |im|) in both lanes, |u| = sqrt(s2) in [1, sqrt(2)] (s2 in both
-// lanes). An element with an infinite part gets u = +-1 in its infinite parts and 0 elsewhere
-// (a stays infinite). A zero element has a = 0 and a NaN u; callers select its result.
+// lanes). An element with an infinite part gets u = +-1 in its infinite parts and 0 elsewhere,
+// and a = Inf (also with a NaN part). A zero element (both parts zero) has a = 0 and a NaN u;
+// callers select its result by `zero`. Otherwise a NaN part makes u NaN.
 struct Polar {
-  VD u, a, s2;
+  VD u, a, s2, zero;
 };
 
 inline Polar Normalize(VD z) {
+  const VD inf = hw::Set1(HUGE_VAL);
   const VD mag = hw::Abs(z);
-  const VD isInf = hw::Eq(mag, hw::Set1(HUGE_VAL));
+  const VD isInf = hw::Eq(mag, inf);
   const VD anyInf = hw::Or(isInf, hw::SwapReIm(isInf));
+  const VD isZero = hw::Eq(mag, hw::Zero<Vsp64f>());
   const VD unitOfInf = hw::And(isInf, hw::Or(hw::Set1(1.0), hw::And(z, hw::Set1(-0.0))));
-  const VD a = hw::Max(mag, hw::SwapReIm(mag));
+  const VD a = hw::Select(anyInf, inf, hw::DupRe(hw::Max(mag, hw::SwapReIm(mag))));
   const VD u = hw::Select(anyInf, unitOfInf, hw::Div(z, a));
   const VD uu = hw::Mul(u, u);
-  return {u, a, hw::Add(uu, hw::SwapReIm(uu))};
+  return {u, a, hw::Add(uu, hw::SwapReIm(uu)), hw::And(isZero, hw::SwapReIm(isZero))};
 }
 
 // (re, im) * scale squared and summed, in both lanes: the squared magnitude compared with the
@@ -50,7 +53,7 @@ inline VD Magnitude2(VD z, VD scale) {
 inline VD AlongDirection(VD z, VD level, VD levelRe) {
   const Polar p = Normalize(z);
   const VD r = hw::Mul(p.u, hw::Div(level, hw::Sqrt(p.s2)));
-  return hw::Select(hw::Eq(p.a, hw::Zero<Vsp64f>()), levelRe, r);
+  return hw::Select(p.zero, levelRe, r);
 }
 
 // ---- element layouts -------------------------------------------------------------------------------
@@ -185,9 +188,8 @@ struct InverseRule {
       const Polar p = Normalize(e);
       const VD d = hw::Select(raised, hw::Mul(hw::Sqrt(p.s2), lv.level), hw::Mul(p.a, p.s2));
       const VD y = hw::Div(hw::Xor(p.u, conjugate), d);
-      const VD isZero = hw::Eq(p.a, hw::Zero<Vsp64f>());
-      zeros = hw::Or(zeros, hw::AndNot(raised, isZero));
-      e = hw::Select(isZero, hw::Select(raised, invLevelRe, infRe), y);
+      zeros = hw::Or(zeros, hw::AndNot(raised, p.zero));
+      e = hw::Select(p.zero, hw::Select(raised, invLevelRe, infRe), y);
     }
     return C::Pack(z);
   }

@@ -72,13 +72,14 @@ inline long long ToIntRef(long double x, long long s, int mode, long long lo, lo
   return static_cast<long long>(v);
 }
 
-// One conversion member with its parameters bound, and the expected destination element of a
-// source element.
+// One member with its parameters bound, the expected destination element of a source element,
+// and (where the member has one) its in-place form.
 template <class S, class D>
 struct Member {
   std::string name;
   std::function<VspStatus(const S*, D*, int)> call;
   std::function<D(const S&)> expect;
+  std::function<VspStatus(D*, int)> inPlace = nullptr;
 };
 
 // Every length 1..70 and some long ones, every destination start offset with a source offset
@@ -100,6 +101,12 @@ void CheckLayouts(const Member<S, D>& m, const std::function<S(Rng&)>& gen) {
       }
       ASSERT_TRUE(dst.OutsideIntact()) << m.name << " len " << n << " offset " << off;
       ASSERT_EQ(std::memcmp(src.data(), orig.data(), n * sizeof(S)), 0) << m.name << ": the source changed";
+      if constexpr (std::is_same_v<S, D>) {
+        if (!m.inPlace) continue;
+        ASSERT_EQ(m.inPlace(src.data(), n), vspStatOk) << m.name << "_I";
+        for (int i = 0; i < n; ++i) ASSERT_TRUE(SameBits(src[i], dst[i])) << m.name << "_I len " << n << " element " << i;
+        ASSERT_TRUE(src.OutsideIntact()) << m.name << "_I len " << n;
+      }
     }
   }
 }
