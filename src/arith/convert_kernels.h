@@ -270,13 +270,14 @@ inline void ConvertOne(const typename SF::Elem* s, typename DF::Elem* d, const S
 
 template <class SF, class DF, class Step>
 void ownsConvert(const typename SF::Elem* src, typename DF::Elem* dst, long long n, const Step& step) {
-  constexpr int kStep = std::max({8, SF::kStep, DF::kStep});
+  // Sixteen elements a step: enough work per iteration that the loop control does not limit it.
+  constexpr int kStep = std::max({16, SF::kStep, DF::kStep});
   constexpr int kGroups = kStep / 4;
   constexpr int kElemBytes = static_cast<int>(sizeof(typename DF::Elem)) * DF::kWidth;
   long long i = 0;
   for (const long long head = HeadToAlign(dst, kElemBytes, n); i < head; ++i)
     ConvertOne<SF, DF>(src + i * SF::kWidth, dst + i * DF::kWidth, step);
-  for (; i + kStep <= n; i += kStep) {
+  for (const long long last = n - kStep; i <= last; i += kStep) {
     typename SF::Group in[kGroups];
     typename DF::Group out[kGroups];
     SF::Load(src + i * SF::kWidth, in);

@@ -14,11 +14,12 @@ namespace hw = vsp::simd;
 
 // ---- kernels -------------------------------------------------------------------------------------
 
-// dst[i] = op(a[i], b[i]), or op(a[i]) for unary operations (b unused), two vectors per step.
+// dst[i] = op(a[i], b[i]), or op(a[i]) for unary operations (b unused), four vectors per step.
 template <class T, class Op, bool kBinary>
 struct MapOp {
   static constexpr int kLanes = hw::kLanes<T>;
-  static constexpr int kStep = 2 * kLanes;
+  static constexpr int kVectors = 4;
+  static constexpr int kStep = kVectors * kLanes;
   const T* a;
   const T* b;
   T* dst;
@@ -28,12 +29,10 @@ struct MapOp {
     else dst[i] = op(a[i]);
   }
   void Vector(long long i) {
-    auto x0 = hw::LoadU(a + i), x1 = hw::LoadU(a + i + kLanes);
-    if constexpr (kBinary) {
-      auto y0 = hw::LoadU(b + i), y1 = hw::LoadU(b + i + kLanes);
-      hw::StoreU(op(x0, y0), dst + i), hw::StoreU(op(x1, y1), dst + i + kLanes);
-    } else {
-      hw::StoreU(op(x0), dst + i), hw::StoreU(op(x1), dst + i + kLanes);
+    for (int k = 0; k < kVectors; ++k) {
+      const auto x = hw::LoadU(a + i + k * kLanes);
+      if constexpr (kBinary) hw::StoreU(op(x, hw::LoadU(b + i + k * kLanes)), dst + i + k * kLanes);
+      else hw::StoreU(op(x), dst + i + k * kLanes);
     }
   }
 };

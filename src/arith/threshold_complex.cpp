@@ -163,8 +163,8 @@ struct ToValueRule {
   V value;
   V operator()(V x) const {
     const auto m = C::Mag2(x, lv.scaleV);
-    const auto mask = kRel == Rel::kLess ? hw::Not(hw::Le(lv.square, m)) : hw::Gt(m, lv.square);
-    return hw::Select(C::Widen(mask), value, x);
+    if constexpr (kRel == Rel::kLess) return hw::Select(C::Widen(hw::Le(lv.square, m)), x, value);
+    else return hw::Select(C::Widen(hw::Gt(m, lv.square)), value, x);
   }
 };
 

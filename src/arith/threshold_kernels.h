@@ -1,5 +1,5 @@
 // The loop of the threshold kernels: a rule maps a vector of elements (real or complex) to the
-// thresholded vector. The body applies it to two vectors per step; the head and the tail apply
+// thresholded vector. The body applies it to four vectors per step; the head and the tail apply
 // it to one element copied into every lane, so every path computes the same formula.
 #pragma once
 
@@ -43,18 +43,18 @@ struct ElemVec {
   }
 };
 
+// Four vectors a step, each loaded, thresholded and stored in turn.
 template <class T, class Rule>
 struct ThresholdOp {
   using E = ElemVec<T>;
-  static constexpr int kStep = 2 * E::kPerVec;
+  static constexpr int kVectors = 4;
+  static constexpr int kStep = kVectors * E::kPerVec;
   const T* src;
   T* dst;
   Rule& rule;
   void Scalar(long long i) { E::StoreFirst(rule(E::Broadcast(src[i])), dst + i); }
   void Vector(long long i) {
-    const auto a = E::Load(src + i), b = E::Load(src + i + E::kPerVec);
-    E::Store(rule(a), dst + i);
-    E::Store(rule(b), dst + i + E::kPerVec);
+    for (int k = 0; k < kVectors; ++k) E::Store(rule(E::Load(src + i + k * E::kPerVec)), dst + i + k * E::kPerVec);
   }
 };
 
