@@ -31,44 +31,41 @@ VspStatus ByValue(const typename SF::Elem* pSrc, typename DF::Elem* pDst, int le
 
 // ---- integer to floating point with scaling -------------------------------------------------
 
-// Float results: while every |x| * 2^-s of a 32-bit x stays normal, converting and then scaling
-// by the exact factor rounds once. Outside, the exact product is formed in double and rounded
-// to float once; beyond [-160, 200] every result is what it is at the limit (+-Inf or +-0).
-template <class S>
-VspStatus ToFloatScaled(const S* pSrc, Vsp32f* pDst, int len, int s) {
-  if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
-  using SF = FormatOf<S>;
-  using DF = Word<Vsp32f>;
-  if (s == 0) {
-    ownsConvertNearest<SF, DF>(pSrc, pDst, len, IntToFloat<0>{});
-  } else if (s >= -96 && s <= 126) {
-    const F4 f = hw::Set1(PowerOfTwo<Vsp32f>(-s));
-    ownsConvertNearest<SF, DF>(pSrc, pDst, len, IntToFloat<1>{f, f});
-  } else {
-    const auto f = hw::Set1(PowerOfTwo<Vsp64f>(-std::clamp(s, -160, 200)));
-    ownsConvertNearest<SF, DF>(pSrc, pDst, len, Then{ToDouble<1>{f, f}, ToFloat{}});
-  }
-  return vspStatOk;
-}
+// The scale-factor ranges of integer-to-float conversions (32-bit sources): inside [kLo, kHi] every
+// non-zero |x| * 2^-s is a normal value of D, so converting and then multiplying by the exact factor
+// rounds once; beyond [kMin, kMax] every result is what it is at the limit (+-Inf or +-0).
+template <class D> struct IntScaleLimits;
+template <> struct IntScaleLimits<Vsp32f> {
+  static constexpr int kLo = -96, kHi = 126, kMin = -160, kMax = 200;
+};
+template <> struct IntScaleLimits<Vsp64f> {
+  static constexpr int kLo = -992, kHi = 1022, kMin = -1100, kMax = 1140;
+};
 
-// Double results: one exact factor while the products stay normal; outside, two factors whose
-// first product is exact and whose second rounds once; beyond [-1100, 1140] every result is what
-// it is at the limit.
-template <class S>
-VspStatus ToDoubleScaled(const S* pSrc, Vsp64f* pDst, int len, int s) {
+// Between the ranges the exact product is formed in double and rounded to float once (float
+// results), or by two factors whose first product is exact and whose second rounds once (double).
+template <class S, class D>
+VspStatus ToFloatScaled(const S* pSrc, D* pDst, int len, int s) {
   if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
+  using L = IntScaleLimits<D>;
   using SF = FormatOf<S>;
-  using DF = Wide<Vsp64f>;
+  using DF = FormatOf<D>;
+  using Step = std::conditional_t<std::is_same_v<D, Vsp32f>, IntToFloat<1>, ToDouble<1>>;
+  using Plain = std::conditional_t<std::is_same_v<D, Vsp32f>, IntToFloat<0>, ToDouble<0>>;
   if (s == 0) {
-    ownsConvert<SF, DF>(pSrc, pDst, len, ToDouble<0>{});
-  } else if (s >= -992 && s <= 1022) {
-    const auto f = hw::Set1(PowerOfTwo<Vsp64f>(-s));
-    ownsConvert<SF, DF>(pSrc, pDst, len, ToDouble<1>{f, f});
+    ownsConvertNearest<SF, DF>(pSrc, pDst, len, Plain{});
+  } else if (s >= L::kLo && s <= L::kHi) {
+    const auto f = hw::Set1(PowerOfTwo<D>(-s));
+    ownsConvertNearest<SF, DF>(pSrc, pDst, len, Step{f, f});
   } else {
-    s = std::clamp(s, -1100, 1140);
-    const int a = s / 2;
-    ownsConvertNearest<SF, DF>(pSrc, pDst, len,
-                               ToDouble<2>{hw::Set1(PowerOfTwo<Vsp64f>(-a)), hw::Set1(PowerOfTwo<Vsp64f>(a - s))});
+    s = std::clamp(s, L::kMin, L::kMax);
+    if constexpr (std::is_same_v<D, Vsp32f>) {
+      const auto f = hw::Set1(PowerOfTwo<Vsp64f>(-s));
+      ownsConvertNearest<SF, DF>(pSrc, pDst, len, Then{ToDouble<1>{f, f}, ToFloat{}});
+    } else {
+      const int a = s / 2;
+      ownsConvertNearest<SF, DF>(pSrc, pDst, len, ToDouble<2>{hw::Set1(PowerOfTwo<D>(-a)), hw::Set1(PowerOfTwo<D>(a - s))});
+    }
   }
   return vspStatOk;
 }
@@ -180,10 +177,10 @@ VSP_IMPL(VspStatus, vspsConvert_32s32f_Sfs, (const Vsp32s* pSrc, Vsp32f* pDst, i
   return ToFloatScaled(pSrc, pDst, len, scaleFactor);
 }
 VSP_IMPL(VspStatus, vspsConvert_16s64f_Sfs, (const Vsp16s* pSrc, Vsp64f* pDst, int len, int scaleFactor)) {
-  return ToDoubleScaled(pSrc, pDst, len, scaleFactor);
+  return ToFloatScaled(pSrc, pDst, len, scaleFactor);
 }
 VSP_IMPL(VspStatus, vspsConvert_32s64f_Sfs, (const Vsp32s* pSrc, Vsp64f* pDst, int len, int scaleFactor)) {
-  return ToDoubleScaled(pSrc, pDst, len, scaleFactor);
+  return ToFloatScaled(pSrc, pDst, len, scaleFactor);
 }
 
 // ---- integer narrowing with scaling --------------------------------------------------------------

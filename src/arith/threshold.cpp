@@ -105,6 +105,23 @@ VspStatus Apply(const T* pSrc, T* pDst, int len, VspStatus own, Rule rule) {
 VspStatus NegativeLevel(double level) { return level < 0 ? vspStatNegThreshold : vspStatOk; }
 
 template <class T>
+VspStatus LT(const T* pSrc, T* pDst, int len, T level) {
+  return Apply(pSrc, pDst, len, vspStatOk, LTRule<T>{hw::Set1(level)});
+}
+template <class T>
+VspStatus GT(const T* pSrc, T* pDst, int len, T level) {
+  return Apply(pSrc, pDst, len, vspStatOk, GTRule<T>{hw::Set1(level)});
+}
+template <class T>
+VspStatus LTVal(const T* pSrc, T* pDst, int len, T level, T value) {
+  return Apply(pSrc, pDst, len, vspStatOk, LTValRule<T>{hw::Set1(level), hw::Set1(value)});
+}
+template <class T>
+VspStatus GTVal(const T* pSrc, T* pDst, int len, T level, T value) {
+  return Apply(pSrc, pDst, len, vspStatOk, GTValRule<T>{hw::Set1(level), hw::Set1(value)});
+}
+
+template <class T>
 VspStatus Threshold(const T* pSrc, T* pDst, int len, T level, int relOp) {
   const VspStatus own = relOp == RelOpLess || relOp == RelOpGreater ? vspStatOk : vspStatBadArg;
   if (relOp == RelOpGreater) return Apply(pSrc, pDst, len, own, GTRule<T>{hw::Set1(level)});
@@ -159,82 +176,22 @@ VspStatus LTInv(const T* pSrc, T* pDst, int len, T level) {
 
 }  // namespace
 
-#define VSP_THRESHOLD_REAL(t)                                                                                      \
-  VSP_IMPL(VspStatus, vspsThreshold_LT_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##t level)) {           \
-    return Apply(pSrc, pDst, len, vspStatOk, LTRule<Vsp##t>{hw::Set1(level)});                                     \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LT_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##t level)) {                       \
-    return Apply<Vsp##t>(pSrcDst, pSrcDst, len, vspStatOk, LTRule<Vsp##t>{hw::Set1(level)});                       \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_GT_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##t level)) {           \
-    return Apply(pSrc, pDst, len, vspStatOk, GTRule<Vsp##t>{hw::Set1(level)});                                     \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_GT_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##t level)) {                       \
-    return Apply<Vsp##t>(pSrcDst, pSrcDst, len, vspStatOk, GTRule<Vsp##t>{hw::Set1(level)});                       \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTAbs_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##t level)) {        \
-    return LTAbs(pSrc, pDst, len, level);                                                                          \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTAbs_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##t level)) {                    \
-    return LTAbs<Vsp##t>(pSrcDst, pSrcDst, len, level);                                                            \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_GTAbs_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##t level)) {        \
-    return GTAbs(pSrc, pDst, len, level);                                                                          \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_GTAbs_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##t level)) {                    \
-    return GTAbs<Vsp##t>(pSrcDst, pSrcDst, len, level);                                                            \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTAbsVal_##t,                                                                  \
-           (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##t level, Vsp##t value)) {                              \
-    return LTAbsVal(pSrc, pDst, len, level, value);                                                                \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTAbsVal_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##t level, Vsp##t value)) {   \
-    return LTAbsVal<Vsp##t>(pSrcDst, pSrcDst, len, level, value);                                                  \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTValGTVal_##t,                                                                \
-           (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##t levelLT, Vsp##t valueLT, Vsp##t levelGT,             \
-            Vsp##t valueGT)) {                                                                                     \
-    return LTValGTVal(pSrc, pDst, len, levelLT, valueLT, levelGT, valueGT);                                        \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTValGTVal_##t##_I,                                                            \
-           (Vsp##t * pSrcDst, int len, Vsp##t levelLT, Vsp##t valueLT, Vsp##t levelGT, Vsp##t valueGT)) {          \
-    return LTValGTVal<Vsp##t>(pSrcDst, pSrcDst, len, levelLT, valueLT, levelGT, valueGT);                          \
-  }
+#define VSP_THRESHOLD_REAL(t)                                                                                  \
+  VSP_THRESHOLD_LTGT(t, t)                                                                                     \
+  VSP_THRESHOLD_PAIR(vspsThreshold_LTAbs_, t, LTAbs, (Vsp##t level), (level))                                  \
+  VSP_THRESHOLD_PAIR(vspsThreshold_GTAbs_, t, GTAbs, (Vsp##t level), (level))                                  \
+  VSP_THRESHOLD_PAIR(vspsThreshold_LTAbsVal_, t, LTAbsVal, (Vsp##t level, Vsp##t value), (level, value))       \
+  VSP_THRESHOLD_PAIR(vspsThreshold_LTValGTVal_, t, LTValGTVal,                                                 \
+                     (Vsp##t levelLT, Vsp##t valueLT, Vsp##t levelGT, Vsp##t valueGT),                        \
+                     (levelLT, valueLT, levelGT, valueGT))
 VSP_THRESHOLD_REAL(16s)
 VSP_THRESHOLD_REAL(32s)
 VSP_THRESHOLD_REAL(32f)
 VSP_THRESHOLD_REAL(64f)
 
-// Relation-operator and Val members exist for 16s, 32f and 64f.
-#define VSP_THRESHOLD_REAL_REL(t)                                                                                  \
-  VSP_IMPL(VspStatus, vspsThreshold_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##t level, VspRelOp relOp)) { \
-    return Threshold(pSrc, pDst, len, level, relOp);                                                               \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##t level, VspRelOp relOp)) {          \
-    return Threshold<Vsp##t>(pSrcDst, pSrcDst, len, level, relOp);                                                 \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTVal_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##t level, Vsp##t value)) { \
-    return Apply(pSrc, pDst, len, vspStatOk, LTValRule<Vsp##t>{hw::Set1(level), hw::Set1(value)});                 \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTVal_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##t level, Vsp##t value)) {      \
-    return Apply<Vsp##t>(pSrcDst, pSrcDst, len, vspStatOk, LTValRule<Vsp##t>{hw::Set1(level), hw::Set1(value)});   \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_GTVal_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##t level, Vsp##t value)) { \
-    return Apply(pSrc, pDst, len, vspStatOk, GTValRule<Vsp##t>{hw::Set1(level), hw::Set1(value)});                 \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_GTVal_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##t level, Vsp##t value)) {      \
-    return Apply<Vsp##t>(pSrcDst, pSrcDst, len, vspStatOk, GTValRule<Vsp##t>{hw::Set1(level), hw::Set1(value)});   \
-  }
-VSP_THRESHOLD_REAL_REL(16s)
-VSP_THRESHOLD_REAL_REL(32f)
-VSP_THRESHOLD_REAL_REL(64f)
-
-#define VSP_THRESHOLD_INV(t)                                                                                       \
-  VSP_IMPL(VspStatus, vspsThreshold_LTInv_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##t level)) {        \
-    return LTInv(pSrc, pDst, len, level);                                                                          \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTInv_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##t level)) {                    \
-    return LTInv<Vsp##t>(pSrcDst, pSrcDst, len, level);                                                            \
-  }
-VSP_THRESHOLD_INV(32f)
-VSP_THRESHOLD_INV(64f)
+// The relation-operator and Val members exist for 16s, 32f and 64f; LTInv for the float types.
+VSP_THRESHOLD_REL_VAL(16s, 16s)
+VSP_THRESHOLD_REL_VAL(32f, 32f)
+VSP_THRESHOLD_REL_VAL(64f, 64f)
+VSP_THRESHOLD_PAIR(vspsThreshold_LTInv_, 32f, LTInv, (Vsp32f level), (level))
+VSP_THRESHOLD_PAIR(vspsThreshold_LTInv_, 64f, LTInv, (Vsp64f level), (level))

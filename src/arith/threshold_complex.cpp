@@ -225,6 +225,15 @@ VspStatus ToLevel(const T* pSrc, T* pDst, int len, BaseOf<T> level, Rel rel, Vsp
 }
 
 template <class T>
+VspStatus LT(const T* pSrc, T* pDst, int len, BaseOf<T> level) {
+  return ToLevel(pSrc, pDst, len, level, Rel::kLess);
+}
+template <class T>
+VspStatus GT(const T* pSrc, T* pDst, int len, BaseOf<T> level) {
+  return ToLevel(pSrc, pDst, len, level, Rel::kGreater);
+}
+
+template <class T>
 VspStatus Threshold(const T* pSrc, T* pDst, int len, BaseOf<T> level, int relOp) {
   const VspStatus own = relOp == RelOpLess || relOp == RelOpGreater ? vspStatOk : vspStatBadArg;
   return ToLevel(pSrc, pDst, len, level, relOp == RelOpGreater ? Rel::kGreater : Rel::kLess, own);
@@ -241,7 +250,16 @@ VspStatus ToValue(const T* pSrc, T* pDst, int len, BaseOf<T> level, T value) {
 }
 
 template <class T>
-VspStatus Inverse(const T* pSrc, T* pDst, int len, BaseOf<T> level) {
+VspStatus LTVal(const T* pSrc, T* pDst, int len, BaseOf<T> level, T value) {
+  return ToValue<T, Rel::kLess>(pSrc, pDst, len, level, value);
+}
+template <class T>
+VspStatus GTVal(const T* pSrc, T* pDst, int len, BaseOf<T> level, T value) {
+  return ToValue<T, Rel::kGreater>(pSrc, pDst, len, level, value);
+}
+
+template <class T>
+VspStatus LTInv(const T* pSrc, T* pDst, int len, BaseOf<T> level) {
   if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
   if (level < 0) return vspStatNegThreshold;
   const CallLevel<T> lv(level);
@@ -252,47 +270,11 @@ VspStatus Inverse(const T* pSrc, T* pDst, int len, BaseOf<T> level) {
 
 }  // namespace
 
-#define VSP_THRESHOLD_COMPLEX(t, b)                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##b level, VspRelOp relOp)) { \
-    return Threshold(pSrc, pDst, len, level, relOp);                                                               \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##b level, VspRelOp relOp)) {          \
-    return Threshold<Vsp##t>(pSrcDst, pSrcDst, len, level, relOp);                                                 \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LT_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##b level)) {           \
-    return ToLevel(pSrc, pDst, len, level, Rel::kLess);                                                            \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LT_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##b level)) {                       \
-    return ToLevel<Vsp##t>(pSrcDst, pSrcDst, len, level, Rel::kLess);                                              \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_GT_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##b level)) {           \
-    return ToLevel(pSrc, pDst, len, level, Rel::kGreater);                                                         \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_GT_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##b level)) {                       \
-    return ToLevel<Vsp##t>(pSrcDst, pSrcDst, len, level, Rel::kGreater);                                           \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTVal_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##b level, Vsp##t value)) { \
-    return ToValue<Vsp##t, Rel::kLess>(pSrc, pDst, len, level, value);                                             \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTVal_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##b level, Vsp##t value)) {      \
-    return ToValue<Vsp##t, Rel::kLess>(pSrcDst, pSrcDst, len, level, value);                                       \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_GTVal_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##b level, Vsp##t value)) { \
-    return ToValue<Vsp##t, Rel::kGreater>(pSrc, pDst, len, level, value);                                          \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_GTVal_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##b level, Vsp##t value)) {      \
-    return ToValue<Vsp##t, Rel::kGreater>(pSrcDst, pSrcDst, len, level, value);                                    \
-  }
-VSP_THRESHOLD_COMPLEX(16sc, 16s)
-VSP_THRESHOLD_COMPLEX(32fc, 32f)
-VSP_THRESHOLD_COMPLEX(64fc, 64f)
-
-#define VSP_THRESHOLD_COMPLEX_INV(t, b)                                                                            \
-  VSP_IMPL(VspStatus, vspsThreshold_LTInv_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, Vsp##b level)) {        \
-    return Inverse(pSrc, pDst, len, level);                                                                        \
-  }                                                                                                                \
-  VSP_IMPL(VspStatus, vspsThreshold_LTInv_##t##_I, (Vsp##t * pSrcDst, int len, Vsp##b level)) {                    \
-    return Inverse<Vsp##t>(pSrcDst, pSrcDst, len, level);                                                          \
-  }
-VSP_THRESHOLD_COMPLEX_INV(32fc, 32f)
-VSP_THRESHOLD_COMPLEX_INV(64fc, 64f)
+VSP_THRESHOLD_LTGT(16sc, 16s)
+VSP_THRESHOLD_LTGT(32fc, 32f)
+VSP_THRESHOLD_LTGT(64fc, 64f)
+VSP_THRESHOLD_REL_VAL(16sc, 16s)
+VSP_THRESHOLD_REL_VAL(32fc, 32f)
+VSP_THRESHOLD_REL_VAL(64fc, 64f)
+VSP_THRESHOLD_PAIR(vspsThreshold_LTInv_, 32fc, LTInv, (Vsp32f level), (level))
+VSP_THRESHOLD_PAIR(vspsThreshold_LTInv_, 64fc, LTInv, (Vsp64f level), (level))

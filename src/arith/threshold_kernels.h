@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "core/impl.h"
 #include "core/loop.h"
 #include "core/simd/sse3.h"
 #include "core/types.h"
@@ -66,3 +67,24 @@ void ownsThreshold(const T* src, T* dst, long long n, Rule& rule) {
 }
 
 }  // namespace vsp::thr
+
+// The out-of-place and in-place exports of one member, prefix<t>(pSrc, pDst, len, params) and
+// prefix<t>_I(pSrcDst, len, params), both implemented by fn<Vsp<t>>(src, dst, len, args).
+#define VSP_UNWRAP(...) __VA_ARGS__
+#define VSP_THRESHOLD_PAIR(prefix, t, fn, params, args)                                              \
+  VSP_IMPL(VspStatus, prefix##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len, VSP_UNWRAP params)) {   \
+    return fn<Vsp##t>(pSrc, pDst, len, VSP_UNWRAP args);                                             \
+  }                                                                                                  \
+  VSP_IMPL(VspStatus, prefix##t##_I, (Vsp##t * pSrcDst, int len, VSP_UNWRAP params)) {               \
+    return fn<Vsp##t>(pSrcDst, pSrcDst, len, VSP_UNWRAP args);                                       \
+  }
+
+// Members with one level of type Vsp<b>: LT and GT (every type), and the relation-operator and Val
+// members (16s, 32f, 64f and the complex types). Each file defines the functions they name.
+#define VSP_THRESHOLD_LTGT(t, b)                                                          \
+  VSP_THRESHOLD_PAIR(vspsThreshold_LT_, t, LT, (Vsp##b level), (level))                  \
+  VSP_THRESHOLD_PAIR(vspsThreshold_GT_, t, GT, (Vsp##b level), (level))
+#define VSP_THRESHOLD_REL_VAL(t, b)                                                                          \
+  VSP_THRESHOLD_PAIR(vspsThreshold_, t, Threshold, (Vsp##b level, VspRelOp relOp), (level, relOp))          \
+  VSP_THRESHOLD_PAIR(vspsThreshold_LTVal_, t, LTVal, (Vsp##b level, Vsp##t value), (level, value))          \
+  VSP_THRESHOLD_PAIR(vspsThreshold_GTVal_, t, GTVal, (Vsp##b level, Vsp##t value), (level, value))
