@@ -49,10 +49,8 @@ TEST(Convert, ByValueEveryLayout) {
   CheckLayouts<Vsp32s, Vsp32f>({"32s32f", BIND(vspsConvert_32s32f), [](Vsp32s x) { return AsFloat<Vsp32f>(x); }}, RandomInt<Vsp32s>);
   CheckLayouts<Vsp32s, Vsp64f>({"32s64f", BIND(vspsConvert_32s64f), [](Vsp32s x) { return Vsp64f(x); }}, RandomInt<Vsp32s>);
   CheckLayouts<Vsp64s, Vsp64f>({"64s64f", BIND(vspsConvert_64s64f), [](Vsp64s x) { return AsFloat<Vsp64f>(x); }}, RandomInt<Vsp64s>);
-  CheckLayouts<Vsp32f, Vsp64f>({"32f64f", BIND(vspsConvert_32f64f), [](Vsp32f x) { return Vsp64f(x); }},
-                               [](Rng& r) { float x = RandomFloat<Vsp32f>(r); return std::isnan(x) ? 1.0f : x; });
-  CheckLayouts<Vsp64f, Vsp32f>({"64f32f", BIND(vspsConvert_64f32f), [](Vsp64f x) { return AsFloat<Vsp32f>(x); }},
-                               [](Rng& r) { double x = RandomFloat<Vsp64f>(r); return std::isnan(x) ? 1.0 : x; });
+  CheckLayouts<Vsp32f, Vsp64f>({"32f64f", BIND(vspsConvert_32f64f), [](Vsp32f x) { return Vsp64f(x); }}, RandomFloat<Vsp32f>);
+  CheckLayouts<Vsp64f, Vsp32f>({"64f32f", BIND(vspsConvert_64f32f), [](Vsp64f x) { return AsFloat<Vsp32f>(x); }}, RandomFloat<Vsp64f>);
   CheckLayouts<Vsp32s, Vsp16s>({"32s16s", BIND(vspsConvert_32s16s), [](Vsp32s x) { return SaturateRef<Vsp16s>(x); }}, RandomInt<Vsp32s>);
   CheckLayouts<Vsp8s, Vsp8u>({"8s8u", BIND(vspsConvert_8s8u), [](Vsp8s x) { return Vsp8u(x < 0 ? 0 : x); }}, RandomInt<Vsp8s>);
   auto sample = [](Rng& r) { return Make24(static_cast<long long>(r.Bits())); };
@@ -62,24 +60,12 @@ TEST(Convert, ByValueEveryLayout) {
   CheckLayouts<Sample24, Vsp32f>({"24u32f", BIND(vspsConvert_24u32f), [](Sample24 x) { return Vsp32f(Value24(x, false)); }}, sample);
 }
 
-// NaN sources of 64f32f stay NaN (the payload is the hardware's); 32f64f keeps subnormals.
-TEST(Convert, FloatWideningAndNarrowingSpecials) {
-  const double in[] = {NAN, -NAN, 1e300, -1e300, 1e-40, 0x1p-149, 0x1p-150, 0x1.8p-150, -0.0};
-  float out[9];
-  ASSERT_EQ(vspsConvert_64f32f(in, out, 9), vspStatOk);
-  EXPECT_TRUE(std::isnan(out[0]) && std::isnan(out[1]));
-  EXPECT_EQ(out[2], INFINITY);
-  EXPECT_EQ(out[3], -INFINITY);
-  EXPECT_EQ(out[4], 1e-40f);
-  EXPECT_EQ(out[5], 0x1p-149f);
-  EXPECT_EQ(out[6], 0.0f);  // a tie, to the even zero
-  EXPECT_EQ(out[7], 0x1p-149f);
-  EXPECT_TRUE(std::signbit(out[8]));
-  const float sub[] = {0x1p-149f, -1e-40f};
-  double wide[2];
-  ASSERT_EQ(vspsConvert_32f64f(sub, wide, 2), vspStatOk);
-  EXPECT_EQ(wide[0], 0x1p-149);
-  EXPECT_EQ(wide[1], static_cast<double>(-1e-40f));
+// Float narrowing rounds subnormal results to nearest even (the layouts cover NaN and Inf).
+TEST(Convert, FloatNarrowingTies) {
+  const double in[] = {0x1p-150, 0x1.8p-150, 0x1.000003p0, 0x1.000001p0};
+  float out[4];
+  ASSERT_EQ(vspsConvert_64f32f(in, out, 4), vspStatOk);
+  EXPECT_EQ(std::vector<float>(out, out + 4), (std::vector<float>{0.0f, 0x1p-149f, 0x1.000004p0f, 0x1p0f}));
 }
 
 // Every 8- and 16-bit input, every scale factor of the sweep, every rounding mode.
@@ -171,22 +157,6 @@ TEST(Convert, RoundingGroupFromFloats) {
   CheckRoundingMember("64f64s", vspsConvert_64f64s_Sfs, INT64_MIN, INT64_MAX);
 }
 
-// Values whose exact products need the second scale factor: subnormal sources scaled far up.
-TEST(Convert, SubnormalSourcesScaledUp) {
-  const float f[] = {0x1p-149f, -0x3p-149f, 0x1.8p-140f, 0x1p-126f};
-  Vsp32s r32[4];
-  ASSERT_EQ(vspsConvert_32f32s_Sfs(f, r32, 4, vspRndNear, -150), vspStatOk);
-  EXPECT_EQ(r32[0], 2);
-  EXPECT_EQ(r32[1], -6);
-  EXPECT_EQ(r32[2], 1536);
-  EXPECT_EQ(r32[3], 16777216);
-  const double d[] = {0x1p-1074, -0x1p-1074};
-  Vsp64s r64[2];
-  ASSERT_EQ(vspsConvert_64f64s_Sfs(d, r64, 2, vspRndZero, -1100), vspStatOk);
-  EXPECT_EQ(r64[0], 1LL << 26);
-  EXPECT_EQ(r64[1], -(1LL << 26));
-}
-
 TEST(Convert, IntegerToFloatWithScaling) {
   for (int s : ScaleSweep()) {
     const Member<Vsp32s, Vsp32f> f{"32s32f_Sfs " + std::to_string(s), BIND(vspsConvert_32s32f_Sfs, s),
@@ -223,12 +193,6 @@ TEST(Convert, StatedExamples) {
     ASSERT_EQ(vspsConvert_32f16s_Sfs(in, out, 8, VspRoundMode(mode), 0), vspStatOk);
     for (int i = 0; i < 8; ++i) EXPECT_EQ(out[i], want[mode == 7 ? 2 : (mode == 0 ? 0 : mode)][i]) << mode << " " << i;
   }
-  const Vsp32s big = INT32_MIN;
-  Vsp16s r40, r31;
-  ASSERT_EQ(vspsConvert_32s16s_Sfs(&big, &r40, 1, 40), vspStatOk);
-  ASSERT_EQ(vspsConvert_32s16s_Sfs(&big, &r31, 1, 31), vspStatOk);
-  EXPECT_EQ(r40, -1);
-  EXPECT_EQ(r31, -1);
 }
 
 }  // namespace

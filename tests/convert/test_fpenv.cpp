@@ -32,30 +32,25 @@ Run Out(size_t n, F f) {
   };
 }
 
+// Members whose kernels round in floating point (and one integer-only member), each with
+// inputs that tell the settings apart.
+#define VSP_RUN(D, in, call) r.push_back(Out<D>(std::size(in), [=](D* d, int n) { return call; }))
 std::vector<Run> Calls() {
-  const size_t nf = std::size(kFloats), nd = std::size(kDoubles), ni = std::size(kInts), nl = std::size(kLongs);
   std::vector<Run> r;
-  for (int mode : {0, 1, 2}) {
-    const auto m = VspRoundMode(mode);
-    r.push_back(Out<Vsp16s>(nf, [=](Vsp16s* d, int n) { return vspsConvert_32f16s_Sfs(kFloats, d, n, m, 0); }));
-    r.push_back(Out<Vsp32s>(nf, [=](Vsp32s* d, int n) { return vspsConvert_32f32s_Sfs(kFloats, d, n, m, -130); }));
-    r.push_back(Out<Vsp8u>(nf, [=](Vsp8u* d, int n) { return vspsConvert_32f8u_Sfs(kFloats, d, n, m, -1); }));
-    r.push_back(Out<Vsp32s>(nd, [=](Vsp32s* d, int n) { return vspsConvert_64f32s_Sfs(kDoubles, d, n, m, -1040); }));
-    r.push_back(Out<Vsp64s>(nd, [=](Vsp64s* d, int n) { return vspsConvert_64f64s_Sfs(kDoubles, d, n, m, 1); }));
-    r.push_back(Out<Vsp8s>(ni, [=](Vsp8s* d, int n) { return vspsConvert_16s8s_Sfs(reinterpret_cast<const Vsp16s*>(kInts), d, n, m, 2); }));
+  for (VspRoundMode m : {vspRndZero, vspRndNear, vspRndHalfAway}) {
+    VSP_RUN(Vsp16s, kFloats, vspsConvert_32f16s_Sfs(kFloats, d, n, m, 0));
+    VSP_RUN(Vsp32s, kFloats, vspsConvert_32f32s_Sfs(kFloats, d, n, m, -130));
+    VSP_RUN(Vsp32s, kDoubles, vspsConvert_64f32s_Sfs(kDoubles, d, n, m, -1040));
+    VSP_RUN(Vsp64s, kDoubles, vspsConvert_64f64s_Sfs(kDoubles, d, n, m, 1));
+    VSP_RUN(Vsp8s, kInts, vspsConvert_16s8s_Sfs(reinterpret_cast<const Vsp16s*>(kInts), d, n, m, 2));
+    if (m != vspRndHalfAway) VSP_RUN(Vsp16f, kFloats, vspsConvert_32f16f(kFloats, d, n, m));
   }
-  for (int mode : {0, 1}) {
-    const auto m = VspRoundMode(mode);
-    r.push_back(Out<Vsp16f>(nf, [=](Vsp16f* d, int n) { return vspsConvert_32f16f(kFloats, d, n, m); }));
-    r.push_back(Out<Vsp16f>(ni, [=](Vsp16f* d, int n) { return vspsConvert_16s16f(reinterpret_cast<const Vsp16s*>(kInts), d, n, m); }));
-  }
-  r.push_back(Out<Vsp32f>(ni, [](Vsp32f* d, int n) { return vspsConvert_32s32f(kInts, d, n); }));
-  r.push_back(Out<Vsp32f>(ni, [](Vsp32f* d, int n) { return vspsConvert_32s32f_Sfs(kInts, d, n, 150); }));
-  r.push_back(Out<Vsp64f>(ni, [](Vsp64f* d, int n) { return vspsConvert_32s64f_Sfs(kInts, d, n, 1090); }));
-  r.push_back(Out<Vsp64f>(nl, [](Vsp64f* d, int n) { return vspsConvert_64s64f(kLongs, d, n); }));
-  r.push_back(Out<Vsp64f>(nf, [](Vsp64f* d, int n) { return vspsConvert_32f64f(kFloats, d, n); }));
-  r.push_back(Out<Vsp32f>(nd, [](Vsp32f* d, int n) { return vspsConvert_64f32f(kDoubles, d, n); }));
-  r.push_back(Out<Vsp8u>(nf, [](Vsp8u* d, int n) { return vspsConvert_32f24s_Sfs(kFloats, d, n / 3, -3); }));
+  VSP_RUN(Vsp32f, kInts, vspsConvert_32s32f(kInts, d, n));
+  VSP_RUN(Vsp32f, kInts, vspsConvert_32s32f_Sfs(kInts, d, n, 150));
+  VSP_RUN(Vsp64f, kInts, vspsConvert_32s64f_Sfs(kInts, d, n, 1090));
+  VSP_RUN(Vsp64f, kLongs, vspsConvert_64s64f(kLongs, d, n));
+  VSP_RUN(Vsp64f, kFloats, vspsConvert_32f64f(kFloats, d, n));
+  VSP_RUN(Vsp32f, kDoubles, vspsConvert_64f32f(kDoubles, d, n));
   return r;
 }
 

@@ -113,18 +113,5 @@ TEST(Half, IntegersBothWays) {
                                [](Rng& r) { return H(static_cast<Vsp16u>(r.Bits())); });
 }
 
-TEST(Half, HalfAwayIsRefused) {
-  const Vsp16s i[1] = {1};
-  const Vsp32f f[1] = {1};
-  const Vsp16f h[1] = {H(0x3C00)};
-  Vsp16f out[1] = {H(0x1234)};
-  Vsp16s outS[1] = {77};
-  EXPECT_EQ(vspsConvert_16s16f(i, out, 1, vspRndHalfAway), vspStatRoundModeErr);
-  EXPECT_EQ(vspsConvert_32f16f(f, out, 1, vspRndHalfAway), vspStatRoundModeErr);
-  EXPECT_EQ(vspsConvert_16f16s_Sfs(h, outS, 1, vspRndHalfAway, 0), vspStatRoundModeErr);
-  EXPECT_EQ(out[0].bits, 0x1234);
-  EXPECT_EQ(outS[0], 77);
-}
-
 }  // namespace
 }  // namespace vsptest
