@@ -584,7 +584,7 @@ void ownsScaleInt(const typename SF::Elem* src, typename DF::Elem* dst, long lon
 // has no lane-wise 64-bit shifts or compares). Exact for every s.
 template <class D>
 D RoundScale64(Vsp64s r, int s, Round mode) {
-  if (s <= 0) return ScaleRule<D>(r, s);
+  if (s <= 0) return ScaleRule<D>(r, std::max(s, -64));  // from 2^64 on every non-zero r saturates
   s = std::min(s, 65);  // |r| * 2^-65 <= 1/4: 0 in every mode
   const __int128 w = r, q = w >> s, rem = w - (q << s), half = static_cast<__int128>(1) << (s - 1);
   bool up;
