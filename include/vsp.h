@@ -92,6 +92,11 @@ enum VspStatusCode {
   vspStatAlgTypeErr = -228       /* the algorithm or normalisation argument is not accepted */
 };
 
+/* Warning of the thresholded reciprocals (vspsThreshold_LTInv_*): some element was zero and
+   was not raised by the level (the level is 0), so its reciprocal was written as an infinity;
+   every element was written. */
+enum { vspStatInvZeroWarn = 4 };
+
 /* ---- Shared enumerations ---------------------------------------------------------------- */
 
 /* Accuracy hint of the float sums, means and generators: only vspAlgHintFast selects the

@@ -454,6 +454,10 @@ inline Vsp32f ReduceSum(Vec<Vsp32f> a) {
   return _mm_cvtss_f32(_mm_hadd_ps(h, h));
 }
 inline Vsp64f ReduceSum(Vec<Vsp64f> a) { return _mm_cvtsd_f64(_mm_hadd_pd(a.raw, a.raw)); }
+// Sums of adjacent lanes of two vectors: (a0 + a1, b0 + b1) for doubles,
+// (a0 + a1, a2 + a3, b0 + b1, b2 + b3) for floats.
+inline Vec<Vsp64f> PairSums(Vec<Vsp64f> a, Vec<Vsp64f> b) { return {_mm_hadd_pd(a.raw, b.raw)}; }
+inline Vec<Vsp32f> PairSums(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_hadd_ps(a.raw, b.raw)}; }
 
 // ---- complex (interleaved re, im pairs) -------------------------------------------------------
 
