@@ -55,10 +55,10 @@ constexpr D ScaleRule(W r, int s) {
     }
     return Saturate<D>(RoundShiftEven(r, s));
   }
-  // s < 0: R * 2^-s, saturating instead of wrapping.
-  const int left = -s;
+  // s < 0: R * 2^-s, saturating instead of wrapping (s = INT_MIN included: no negation first).
   if (r == 0) return D(0);
-  if (left >= kBits - 1) return r > 0 ? kMaxOf<D> : kMinOf<D>;
+  if (s <= -(kBits - 1)) return r > 0 ? kMaxOf<D> : kMinOf<D>;
+  const int left = -s;
   const W limit = kWideMax<W> >> left;  // largest |R| that shifts in range
   if (r > limit) return kMaxOf<D>;
   if (r < -limit) return kMinOf<D>;

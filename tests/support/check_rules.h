@@ -1,7 +1,8 @@
 // Rule tables of the argument-check harness (tests/checks). The harness calls every export
 // that returns a status with valid arguments, then with each pointer null (-8), with a length
 // of 0 and -1 (-6), and with the first pointer null and a length of 0 (-8: pointers first),
-// and checks that no buffer changed after an error. A family whose valid call needs more than
+// and checks that no buffer changed after an error. Members with a scaleFactor are also called
+// with INT_MIN and INT_MAX, which must succeed. A family whose valid call needs more than
 // the defaults, or whose checks depart from that order, says so in a rule:
 //
 //   VSP_CHECK_RULES(kThresholdRules)({

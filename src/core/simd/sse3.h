@@ -399,10 +399,14 @@ inline Vec<Vsp16s> NarrowSat16s(Vec<Vsp32s> a, Vec<Vsp32s> b) { return {_mm_pack
 inline Vec<Vsp8u> NarrowSat8u(Vec<Vsp16s> a, Vec<Vsp16s> b) { return {_mm_packus_epi16(a.raw, b.raw)}; }
 inline Vec<Vsp8s> NarrowSat8s(Vec<Vsp16s> a, Vec<Vsp16s> b) { return {_mm_packs_epi16(a.raw, b.raw)}; }
 inline Vec<Vsp16u> NarrowSat16u(Vec<Vsp32s> a, Vec<Vsp32s> b) {
-  // SSE3 has no packusdw: bias into the signed range, pack with signed saturation, unbias.
+  // SSE3 has no packusdw: negative lanes become 0, then bias into the signed range (no lane can
+  // wrap any more), pack with signed saturation and unbias.
   const __m128i bias = _mm_set1_epi32(32768);
   const __m128i bias16 = _mm_set1_epi16(static_cast<short>(0x8000));
-  __m128i p = _mm_packs_epi32(_mm_sub_epi32(a.raw, bias), _mm_sub_epi32(b.raw, bias));
+  const __m128i zero = _mm_setzero_si128();
+  __m128i pa = _mm_andnot_si128(_mm_cmpgt_epi32(zero, a.raw), a.raw);
+  __m128i pb = _mm_andnot_si128(_mm_cmpgt_epi32(zero, b.raw), b.raw);
+  __m128i p = _mm_packs_epi32(_mm_sub_epi32(pa, bias), _mm_sub_epi32(pb, bias));
   return {_mm_xor_si128(p, bias16)};
 }
 // Two double vectors rounded to floats (current rounding mode): a in lanes 0-1, b in 2-3.

@@ -35,11 +35,6 @@ template <class T> inline Vec<Wider<T>> WidenAddHalves(Vec<T> a) {
   return Add(PromoteLo(a), PromoteHi(a));
 }
 
-// Sums of adjacent lanes: (a0 + a1, b0 + b1) for doubles, (a0 + a1, a2 + a3, b0 + b1, b2 + b3)
-// for floats.
-inline Vec<Vsp64f> PairSums(Vec<Vsp64f> a, Vec<Vsp64f> b) { return {_mm_hadd_pd(a.raw, b.raw)}; }
-inline Vec<Vsp32f> PairSums(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_hadd_ps(a.raw, b.raw)}; }
-
 // Adjacent 16-bit lanes exchanged (the re and im parts of 16sc elements).
 inline Vec<Vsp16s> SwapPairs16(Vec<Vsp16s> a) {
   return {_mm_shufflehi_epi16(_mm_shufflelo_epi16(a.raw, 0xB1), 0xB1)};
