@@ -1,0 +1,500 @@
+// Kernels of the power-of-two FFT, written once over the element type T (Vsp32f or Vsp64f,
+// complex values interleaved as (re, im) pairs of T) and the direction (kInv: the inverse
+// uses conjugated twiddles and the opposite quarter-turn).
+//
+// Single-level transforms are Stockham autosort passes: radix-4 passes with twiddles, then one
+// twiddle-free radix-4 or radix-8 pass, ping-ponging between the destination and a work
+// buffer, so no bit reversal is needed. Large transforms (orders above the single-level range)
+// run in place on the destination: a blocked bit-reversal permutation, a transform of every
+// row of 2^r points (r = order - b), and a pass over batches of columns that applies the
+// twiddles exp(-2 pi i n1 k2 / N) and the 2^b-point transforms across the rows in the work
+// buffer.
+//
+// Data is addressed through Halves: complex element i of an N-point array lies in `lo` for
+// i < N/2 and in `hi` (at i - N/2) above, so a split-complex caller can lend its two output
+// arrays as one interleaved array. Every pass reads and writes the halves in whole runs.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#include "core/simd/sse3_fft.h"
+#include "transform/fft_tables.h"
+
+namespace vsp::fft {
+
+namespace sd = vsp::simd;
+
+template <class T> struct Halves {
+  T* lo;
+  T* hi;
+  long long half;  // complex elements in lo
+  T* At(long long i) const { return i < half ? lo + 2 * i : hi + 2 * (i - half); }
+};
+// An ordinary interleaved array of n complex elements.
+template <class T> Halves<T> Whole(T* p, long long n) { return {p, p + 2 * (n / 2), n / 2}; }
+
+// ---- butterflies ---------------------------------------------------------------------------
+
+template <bool kInv, class V>
+inline void Bfly4(V a, V b, V c, V d, V& y0, V& y1, V& y2, V& y3) {
+  V t0 = sd::Add(a, c), t1 = sd::Sub(a, c), t2 = sd::Add(b, d), t3 = sd::MulRot<kInv>(sd::Sub(b, d));
+  y0 = sd::Add(t0, t2);
+  y1 = sd::Add(t1, t3);
+  y2 = sd::Sub(t0, t2);
+  y3 = sd::Sub(t1, t3);
+}
+
+// 8-point DFT of x[0..7] in place (outputs in natural order).
+template <bool kInv, class T>
+inline void Bfly8(sd::Vec<T>* x) {
+  const sd::Vec<T> h = sd::Set1<T>(static_cast<T>(0.70710678118654752440L));
+  sd::Vec<T> a[4], b[4];
+  for (int j = 0; j < 4; ++j) a[j] = sd::Add(x[j], x[j + 4]), b[j] = sd::Sub(x[j], x[j + 4]);
+  // b[j] *= W8^j: W8 z = (z + rot z) * sqrt(1/2), W8^2 z = rot z, W8^3 z = rot(W8 z).
+  b[1] = sd::Mul(sd::Add(b[1], sd::MulRot<kInv>(b[1])), h);
+  b[2] = sd::MulRot<kInv>(b[2]);
+  b[3] = sd::MulRot<kInv>(sd::Mul(sd::Add(b[3], sd::MulRot<kInv>(b[3])), h));
+  Bfly4<kInv>(a[0], a[1], a[2], a[3], x[0], x[2], x[4], x[6]);
+  Bfly4<kInv>(b[0], b[1], b[2], b[3], x[1], x[3], x[5], x[7]);
+}
+
+// ---- Stockham passes ------------------------------------------------------------------------
+
+// Complex values to move per step: a whole vector when the run is long enough, else one.
+template <class T> struct Pair1 {
+  static sd::Vec<T> Load(const T* p) { return sd::Load1(p); }
+  static void Store(sd::Vec<T> v, T* p) { sd::Store1(v, p); }
+  static constexpr int kStep = 1;
+};
+template <class T> struct PairV {
+  static sd::Vec<T> Load(const T* p) { return sd::LoadU(p); }
+  static void Store(sd::Vec<T> v, T* p) { sd::StoreU(v, p); }
+  static constexpr int kStep = sd::kPairs<T>;
+};
+
+// One radix-4 pass of an N-point transform at length n, stride s (n * s = N, n >= 16):
+// y[q + s(4p + k)] = W_n^(kp) * DFT4(x[q + s(p + k n/4)]) over p < n/4, q < s. tw holds
+// W_n^p, W_n^2p, W_n^3p for p < n/4, as three arrays.
+template <class T, bool kInv>
+void ownsFFTPassR4(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
+  using V = sd::Vec<T>;
+  const long long n4 = n / 4, n8 = n / 8, quarter = s * n4;
+  const T* w1 = tw;
+  const T* w2 = tw + 2 * n4;
+  const T* w3 = tw + 4 * n4;
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    const long long p0 = half * n8;
+    if (s >= sd::kPairs<T>) {
+      for (long long pp = 0; pp < n8; ++pp) {
+        const long long p = p0 + pp;
+        const V t1 = sd::LoadBroadcast1(w1 + 2 * p), t2 = sd::LoadBroadcast1(w2 + 2 * p),
+                t3 = sd::LoadBroadcast1(w3 + 2 * p);
+        const T* xa = x.lo + 2 * s * p;
+        const T* xc = x.hi + 2 * s * p;
+        T* ya = yb + 2 * s * 4 * pp;
+        for (long long q = 0; q < s; q += sd::kPairs<T>) {
+          V y0, y1, y2, y3;
+          Bfly4<kInv>(sd::LoadU(xa + 2 * q), sd::LoadU(xa + 2 * (q + quarter)), sd::LoadU(xc + 2 * q),
+                      sd::LoadU(xc + 2 * (q + quarter)), y0, y1, y2, y3);
+          sd::StoreU(y0, ya + 2 * q);
+          sd::StoreU(sd::MulTwiddle<kInv>(y1, t1), ya + 2 * (q + s));
+          sd::StoreU(sd::MulTwiddle<kInv>(y2, t2), ya + 2 * (q + 2 * s));
+          sd::StoreU(sd::MulTwiddle<kInv>(y3, t3), ya + 2 * (q + 3 * s));
+        }
+      }
+    } else if constexpr (sd::kPairs<T> == 2) {
+      // s == 1 with two complex floats per vector: p and p + 1 side by side.
+      for (long long pp = 0; pp < n8; pp += 2) {
+        const long long p = p0 + pp;
+        V y0, y1, y2, y3;
+        Bfly4<kInv>(sd::LoadU(x.lo + 2 * p), sd::LoadU(x.lo + 2 * (p + quarter)), sd::LoadU(x.hi + 2 * p),
+                    sd::LoadU(x.hi + 2 * (p + quarter)), y0, y1, y2, y3);
+        y1 = sd::MulTwiddle<kInv>(y1, sd::LoadU(w1 + 2 * p));
+        y2 = sd::MulTwiddle<kInv>(y2, sd::LoadU(w2 + 2 * p));
+        y3 = sd::MulTwiddle<kInv>(y3, sd::LoadU(w3 + 2 * p));
+        T* ya = yb + 8 * pp;
+        sd::StoreU(sd::PairsLo(y0, y1), ya);
+        sd::StoreU(sd::PairsLo(y2, y3), ya + 4);
+        sd::StoreU(sd::PairsHi(y0, y1), ya + 8);
+        sd::StoreU(sd::PairsHi(y2, y3), ya + 12);
+      }
+    }
+  }
+}
+
+// The last pass, without twiddles: radix-4 at stride s = N/4 or radix-8 at s = N/8, reading
+// x and writing the same positions of y (x may be y), each output multiplied by `scale` when
+// `scaled`.
+template <class T, bool kInv, class Mv>
+void LastR4(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
+  for (long long q = 0; q < s; q += Mv::kStep) {
+    sd::Vec<T> v[4];
+    Bfly4<kInv>(Mv::Load(x.lo + 2 * q), Mv::Load(x.lo + 2 * (q + s)), Mv::Load(x.hi + 2 * q),
+                Mv::Load(x.hi + 2 * (q + s)), v[0], v[1], v[2], v[3]);
+    if (scaled)
+      for (auto& e : v) e = sd::Mul(e, sc);
+    Mv::Store(v[0], y.lo + 2 * q);
+    Mv::Store(v[1], y.lo + 2 * (q + s));
+    Mv::Store(v[2], y.hi + 2 * q);
+    Mv::Store(v[3], y.hi + 2 * (q + s));
+  }
+}
+template <class T, bool kInv, class Mv>
+void LastR8(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
+  for (long long q = 0; q < s; q += Mv::kStep) {
+    sd::Vec<T> v[8];
+    for (int j = 0; j < 4; ++j) v[j] = Mv::Load(x.lo + 2 * (q + j * s)), v[j + 4] = Mv::Load(x.hi + 2 * (q + j * s));
+    Bfly8<kInv, T>(v);
+    for (int j = 0; j < 4; ++j) {
+      if (scaled) v[j] = sd::Mul(v[j], sc), v[j + 4] = sd::Mul(v[j + 4], sc);
+      Mv::Store(v[j], y.lo + 2 * (q + j * s));
+      Mv::Store(v[j + 4], y.hi + 2 * (q + j * s));
+    }
+  }
+}
+
+// Complex values of the twiddle table of the Stockham passes of an N-point transform.
+constexpr long long StockhamTwiddles(int order) {
+  long long total = 0;
+  for (long long n = 1LL << order; n > 8; n /= 4) total += 3 * (n / 4);
+  return total;
+}
+// Fills that table from a sine source.
+template <class T> void ownsFFTFillStockham(T* dst, int order, SineSource<T> src) {
+  for (long long n = 1LL << order; n > 8; n /= 4) {
+    const long long n4 = n / 4;
+    for (int k = 1; k <= 3; ++k)
+      for (long long p = 0; p < n4; ++p, dst += 2) src.Twiddle(k * p, n, dst[0], dst[1]);
+  }
+}
+
+// The whole transform of 2^order points (order >= 1) from `in` to `out` with `tmp` of N complex
+// values (any of them may coincide, except that tmp must differ from out).
+template <class T, bool kInv>
+void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  const sd::Vec<T> sc = sd::Set1<T>(scale);
+  const long long n0 = 1LL << order;
+  if (order == 1) {
+    sd::Vec<T> a = sd::Load1(in.lo), b = sd::Load1(in.hi);
+    sd::Vec<T> y0 = sd::Add(a, b), y1 = sd::Sub(a, b);
+    if (scaled) y0 = sd::Mul(y0, sc), y1 = sd::Mul(y1, sc);
+    sd::Store1(y0, out.lo);
+    sd::Store1(y1, out.hi);
+    return;
+  }
+  Halves<T> cur = in;
+  Halves<T> target = in.lo == tmp.lo ? out : tmp;
+  long long n = n0, s = 1;
+  for (; n > 8; n /= 4, s *= 4) {
+    ownsFFTPassR4<T, kInv>(cur, target, n, s, tw);
+    tw += 6 * (n / 4);
+    cur = target;
+    target = target.lo == out.lo ? tmp : out;
+  }
+  const bool wide = s >= sd::kPairs<T>;
+  if (n == 8) {
+    if (wide) LastR8<T, kInv, PairV<T>>(cur, out, s, scaled, sc);
+    else LastR8<T, kInv, Pair1<T>>(cur, out, s, scaled, sc);
+  } else {
+    if (wide) LastR4<T, kInv, PairV<T>>(cur, out, s, scaled, sc);
+    else LastR4<T, kInv, Pair1<T>>(cur, out, s, scaled, sc);
+  }
+}
+
+// Stockham twiddles of the direct kernels (orders 4 and 5), from the fixed table.
+template <class T, int kOrder> struct SmallTwiddles {
+  T v[2 * StockhamTwiddles(kOrder)];
+  constexpr SmallTwiddles() : v() {
+    SineSource<T> src{FixedTable<T>(), kFixedOrder};
+    const long long n = 1LL << kOrder, n4 = n / 4;
+    int i = 0;
+    for (int k = 1; k <= 3; ++k)
+      for (long long p = 0; p < n4; ++p, i += 2) src.Twiddle(k * p, n, v[i], v[i + 1]);
+  }
+};
+template <class T> inline constexpr SmallTwiddles<T, 4> kSmallTw4{};
+template <class T> inline constexpr SmallTwiddles<T, 5> kSmallTw5{};
+
+// Direct transforms of 1 .. 32 points: no tables beyond the constant ones, a stack buffer.
+template <class T, bool kInv>
+void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale) {
+  if (order == 0) {
+    const T s = scaled ? scale : T(1);
+    T re = in.lo[0], im = in.lo[1];
+    out.lo[0] = scaled ? re * s : re;
+    out.lo[1] = scaled ? im * s : im;
+    return;
+  }
+  alignas(16) T buf[64];
+  const T* tw = order == 4 ? kSmallTw4<T>.v : kSmallTw5<T>.v;
+  ownsFFTStockham<T, kInv>(order, tw, in, out, Whole(buf, 1LL << order), scaled, scale);
+}
+
+// ---- bit reversal ----------------------------------------------------------------------------
+
+// Reversal of the middle index of the 8 x 8-blocked permutation of order k >= 6: the middle
+// m has k - 6 bits, split into lo (the low m / 2 bits) and hi; the table holds rev(lo) for
+// every lo, then rev(hi) for every hi.
+struct RevTable {
+  const uint32_t* t;
+  int loBits, hiBits;
+  RevTable(const uint32_t* table, int order) : t(table), loBits((order - 6) / 2), hiBits(order - 6 - (order - 6) / 2) {}
+  uint32_t Rev(uint32_t m) const {
+    return (t[m & ((1u << loBits) - 1)] << hiBits) | t[(1u << loBits) + (m >> loBits)];
+  }
+};
+constexpr long long RevTableWords(int order) { return (1LL << ((order - 6) / 2)) + (1LL << (order - 6 - (order - 6) / 2)); }
+inline void ownsFFTFillRev(uint32_t* t, int order) {
+  auto rev = [](uint32_t v, int bits) {
+    uint32_t r = 0;
+    for (int i = 0; i < bits; ++i) r |= ((v >> i) & 1u) << (bits - 1 - i);
+    return r;
+  };
+  const int lo = (order - 6) / 2, hi = order - 6 - lo;
+  for (uint32_t v = 0; v < (1u << lo); ++v) t[v] = rev(v, lo);
+  for (uint32_t v = 0; v < (1u << hi); ++v) t[(1u << lo) + v] = rev(v, hi);
+}
+
+inline constexpr int kRev3[8] = {0, 4, 2, 6, 1, 5, 3, 7};
+
+// y[rev(n)] = x[n] for the 2^order points, order >= 6; x == y permutes in place.
+template <class T>
+void ownsFFTBitRev(Halves<T> x, Halves<T> y, int order, RevTable rt) {
+  const long long eighth = 1LL << (order - 3), blocks = 1LL << (order - 6);
+  const bool inPlace = x.lo == y.lo;
+  alignas(16) T a[128], b[128];
+  auto load = [&](T* buf, long long m) {
+    for (int r = 0; r < 8; ++r) std::memcpy(buf + 16 * r, x.At(r * eighth + 8 * m), 16 * sizeof(T));
+  };
+  // Element (r, c) of a block goes to row rev3(c), column rev3(r) of the partner block.
+  auto store = [&](const T* buf, long long m) {
+    for (int r = 0; r < 8; ++r) {
+      T* d = y.At(r * eighth + 8 * m);
+      for (int c = 0; c < 8; ++c) sd::Store1(sd::Load1(buf + 16 * kRev3[c] + 2 * kRev3[r]), d + 2 * c);
+    }
+  };
+  for (long long m = 0; m < blocks; ++m) {
+    const long long mr = rt.Rev(static_cast<uint32_t>(m));
+    if (inPlace && mr < m) continue;
+    load(a, m);
+    if (inPlace && mr != m) load(b, mr), store(b, m);
+    store(a, mr);
+  }
+}
+
+// ---- large transforms --------------------------------------------------------------------------
+
+// One level of the blocked plan: 2^order points as 2^b rows of 2^(order - b).
+struct Level {
+  int32_t order, block;
+  int32_t offA, offB, offSmall, offRowRev;  // byte offsets from the spec block
+};
+// Factor tables of a level: A[n1l - 1][k2] = W_N^(n1l k2) for 1 <= n1l < 2^bl, B[n1h - 1][k2] =
+// W_N^(2^bl n1h k2) for 1 <= n1h < 2^bh, so that W_N^(n1 k2) = A[n1l] B[n1h]; small[j] =
+// W_(2^b)^j for j < 2^(b-1).
+constexpr int LoBits(int block) { return block / 2; }
+
+template <class T> struct LargePlan {
+  const unsigned char* base;  // the spec block
+  const Level* levels;
+  int count;
+  const T* rowTw;  // Stockham twiddles of the innermost rows
+};
+
+template <class T, bool kInv>
+void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work, long long workPairs, bool scaled,
+                  T scale) {
+  using V = sd::Vec<T>;
+  const int b = lv.block, r = lv.order - b, bl = LoBits(b);
+  const long long n1 = 1LL << b, n2 = 1LL << r;
+  const T* tabA = reinterpret_cast<const T*>(pl.base + lv.offA);
+  const T* tabB = reinterpret_cast<const T*>(pl.base + lv.offB);
+  const T* small = reinterpret_cast<const T*>(pl.base + lv.offSmall);
+  long long cols = workPairs / n1;
+  const long long cap = (256 * 1024 / (2 * sizeof(T))) / n1;
+  if (cols > cap) cols = cap;
+  if (cols > n2) cols = n2;
+  const V sc = sd::Set1<T>(scale);
+  for (long long c0 = 0; c0 < n2; c0 += cols) {
+    // Gather row j (holding n1 = rev_b(j)) times W_N^(n1 k2).
+    for (long long j = 0; j < n1; ++j) {
+      long long v = 0;
+      for (int i = 0; i < b; ++i) v |= ((j >> i) & 1) << (b - 1 - i);
+      const long long lo = v & ((1LL << bl) - 1), hi = v >> bl;
+      const T* src = d.At(j * n2 + c0);
+      T* dst = work + 2 * j * cols;
+      const T* a = tabA + 2 * ((lo - 1) * n2 + c0);
+      const T* bb = tabB + 2 * ((hi - 1) * n2 + c0);
+      for (long long t = 0; t < cols; t += sd::kPairs<T>) {
+        V x = sd::LoadU(src + 2 * t);
+        if (lo) x = sd::MulTwiddle<kInv>(x, sd::LoadU(a + 2 * t));
+        if (hi) x = sd::MulTwiddle<kInv>(x, sd::LoadU(bb + 2 * t));
+        sd::Store(x, dst + 2 * t);
+      }
+    }
+    // Transforms across the rows: input in bit-reversed row order, output natural.
+    long long h = 1;
+    if (b & 1) {
+      for (long long g = 0; g < n1; g += 2) {
+        T* r0 = work + 2 * g * cols;
+        T* r1 = r0 + 2 * cols;
+        for (long long t = 0; t < cols; t += sd::kPairs<T>) {
+          V u = sd::Load(r0 + 2 * t), w = sd::Load(r1 + 2 * t);
+          sd::Store(sd::Add(u, w), r0 + 2 * t);
+          sd::Store(sd::Sub(u, w), r1 + 2 * t);
+        }
+      }
+      h = 2;
+    }
+    for (; h < n1; h *= 4) {
+      for (long long jj = 0; jj < h; ++jj) {
+        const V wa = sd::LoadBroadcast1(small + 2 * (jj * (n1 / (2 * h))));
+        const V wb = sd::LoadBroadcast1(small + 2 * (jj * (n1 / (4 * h))));
+        for (long long g = 0; g < n1; g += 4 * h) {
+          T* r0 = work + 2 * (g + jj) * cols;
+          T* r1 = r0 + 2 * h * cols;
+          T* r2 = r1 + 2 * h * cols;
+          T* r3 = r2 + 2 * h * cols;
+          for (long long t = 0; t < cols; t += sd::kPairs<T>) {
+            V x0 = sd::Load(r0 + 2 * t), x1 = sd::MulTwiddle<kInv>(sd::Load(r1 + 2 * t), wa);
+            V x2 = sd::Load(r2 + 2 * t), x3 = sd::MulTwiddle<kInv>(sd::Load(r3 + 2 * t), wa);
+            V a0 = sd::Add(x0, x1), a1 = sd::Sub(x0, x1);
+            V a2 = sd::MulTwiddle<kInv>(sd::Add(x2, x3), wb);
+            V a3 = sd::MulRot<kInv>(sd::MulTwiddle<kInv>(sd::Sub(x2, x3), wb));
+            sd::Store(sd::Add(a0, a2), r0 + 2 * t);
+            sd::Store(sd::Sub(a0, a2), r2 + 2 * t);
+            sd::Store(sd::Add(a1, a3), r1 + 2 * t);
+            sd::Store(sd::Sub(a1, a3), r3 + 2 * t);
+          }
+        }
+      }
+    }
+    // Scatter row k1 to its place.
+    for (long long k1 = 0; k1 < n1; ++k1) {
+      const T* src = work + 2 * k1 * cols;
+      T* dst = d.At(k1 * n2 + c0);
+      for (long long t = 0; t < cols; t += sd::kPairs<T>) {
+        V x = sd::Load(src + 2 * t);
+        sd::StoreU(scaled ? sd::Mul(x, sc) : x, dst + 2 * t);
+      }
+    }
+  }
+}
+
+// The transform of level li on data already in bit-reversed order, in place.
+template <class T, bool kInv>
+void LargeCore(const LargePlan<T>& pl, int li, Halves<T> d, T* work, long long workPairs, bool scaled, T scale) {
+  const Level& lv = pl.levels[li];
+  const int r = lv.order - lv.block;
+  const long long n1 = 1LL << lv.block, n2 = 1LL << r;
+  for (long long j = 0; j < n1; ++j) {
+    T* row = d.At(j * n2);
+    if (li + 1 < pl.count) {
+      LargeCore<T, kInv>(pl, li + 1, Whole(row, n2), work, workPairs, false, T(0));
+    } else {
+      RevTable rt(reinterpret_cast<const uint32_t*>(pl.base + lv.offRowRev), r);
+      ownsFFTBitRev(Whole(row, n2), Whole(work, n2), r, rt);
+      ownsFFTStockham<T, kInv>(r, pl.rowTw, Whole(work, n2), Whole(row, n2), Whole(work, n2), false, T(0));
+    }
+  }
+  ColumnPasses<T, kInv>(pl, lv, d, work, workPairs, scaled, scale);
+}
+
+// ---- real recombination ----------------------------------------------------------------------
+
+// Twiddles of the recombination of a real transform of N points (M = N/2 complex values):
+// forward U_k = -i W_N^k / 2, inverse V_k = i conj(W_N^k), for k < N/4. Held whole (f = 0) or,
+// for large N, factored: U_k = U_(k mod f) * W_N^(f (k / f)) (inverse: V_(k mod f) *
+// conj W_N^(f (k / f))), f values of the first table followed by N / (4f) of the second.
+template <class T> struct RecTable {
+  const T* t;
+  long long f;
+  // The twiddles of k and, for two complex floats per vector, k + 1.
+  sd::Vec<T> Get(long long k) const {
+    if (f == 0) {
+      if constexpr (sd::kPairs<T> == 2) return sd::LoadU(t + 2 * k);
+      else return sd::Load1(t + 2 * k);
+    }
+    const T* second = t + 2 * f;
+    if constexpr (sd::kPairs<T> == 2) {
+      sd::Vec<T> u = sd::Load2(t + 2 * (k % f), t + 2 * ((k + 1) % f));
+      return sd::MulComplex(u, sd::Load2(second + 2 * (k / f), second + 2 * ((k + 1) / f)));
+    } else {
+      return sd::MulComplex(sd::Load1(t + 2 * (k % f)), sd::Load1(second + 2 * (k / f)));
+    }
+  }
+};
+
+// Forward recombination in place on the M = N/2 complex results Z of the half-length transform:
+// X(k) = A/2 + U_k B, X(M - k) = conj(A/2 - U_k B) with A = Z(k) + conj Z(M - k), B = Z(k) -
+// conj Z(M - k); X(M/2) = conj Z(M/2); slot 0 becomes (X(0), X(M)) = (Re Z0 + Im Z0, Re Z0 -
+// Im Z0): the Perm layout. Every value is multiplied by `scale` when `scaled`.
+template <class T>
+void ownsFFTRecombineFwd(T* z, long long m, RecTable<T> tw, bool scaled, T scale) {
+  using V = sd::Vec<T>;
+  constexpr int P = sd::kPairs<T>;
+  const V half = sd::Set1<T>(T(0.5)), sc = sd::Set1<T>(scale);
+  auto pairs = [&](V zk, V zm, V u, V& xk, V& xm) {
+    zm = sd::Conj(zm);
+    V a = sd::Mul(sd::Add(zk, zm), half), c = sd::MulComplex(sd::Sub(zk, zm), u);
+    xk = sd::Add(a, c);
+    xm = sd::Conj(sd::Sub(a, c));
+    if (scaled) xk = sd::Mul(xk, sc), xm = sd::Mul(xm, sc);
+  };
+  long long k = 1;
+  for (; k + P <= m / 2; k += P) {
+    V xk, xm;
+    pairs(sd::LoadU(z + 2 * k), sd::ReversePairs(sd::LoadU(z + 2 * (m - k - P + 1))), tw.Get(k), xk, xm);
+    sd::StoreU(xk, z + 2 * k);
+    sd::StoreU(sd::ReversePairs(xm), z + 2 * (m - k - P + 1));
+  }
+  for (; k < m / 2; ++k) {
+    V xk, xm;
+    pairs(sd::Load1(z + 2 * k), sd::Load1(z + 2 * (m - k)), tw.Get(k), xk, xm);
+    sd::Store1(xk, z + 2 * k);
+    sd::Store1(xm, z + 2 * (m - k));
+  }
+  V mid = sd::Conj(sd::Load1(z + m));
+  sd::Store1(scaled ? sd::Mul(mid, sc) : mid, z + m);
+  const T re = z[0], im = z[1];
+  z[0] = scaled ? (re + im) * scale : re + im;
+  z[1] = scaled ? (re - im) * scale : re - im;
+}
+
+// Inverse recombination in place on a Perm spectrum (M complex slots) into the values Z' whose
+// unscaled inverse transform of M points is N times the real signal seen as M complex values:
+// Z'(k) = A + V_k C, Z'(M - k) = conj(A - V_k C), A = X(k) + conj X(M - k), C = X(k) - conj
+// X(M - k); Z'(M/2) = 2 conj X(M/2); Z'(0) = (X0 + X(M), X0 - X(M)).
+template <class T>
+void ownsFFTRecombineInv(T* z, long long m, RecTable<T> tw) {
+  using V = sd::Vec<T>;
+  constexpr int P = sd::kPairs<T>;
+  auto pairs = [&](V xk, V xm, V v, V& zk, V& zm) {
+    xm = sd::Conj(xm);
+    V a = sd::Add(xk, xm), d = sd::MulComplex(sd::Sub(xk, xm), v);
+    zk = sd::Add(a, d);
+    zm = sd::Conj(sd::Sub(a, d));
+  };
+  long long k = 1;
+  for (; k + P <= m / 2; k += P) {
+    V zk, zm;
+    pairs(sd::LoadU(z + 2 * k), sd::ReversePairs(sd::LoadU(z + 2 * (m - k - P + 1))), tw.Get(k), zk, zm);
+    sd::StoreU(zk, z + 2 * k);
+    sd::StoreU(sd::ReversePairs(zm), z + 2 * (m - k - P + 1));
+  }
+  for (; k < m / 2; ++k) {
+    V zk, zm;
+    pairs(sd::Load1(z + 2 * k), sd::Load1(z + 2 * (m - k)), tw.Get(k), zk, zm);
+    sd::Store1(zk, z + 2 * k);
+    sd::Store1(zm, z + 2 * (m - k));
+  }
+  V mid = sd::Conj(sd::Load1(z + m));
+  sd::Store1(sd::Add(mid, mid), z + m);
+  const T x0 = z[0], xm = z[1];
+  z[0] = x0 + xm;
+  z[1] = x0 - xm;
+}
+
+}  // namespace vsp::fft
