@@ -1,0 +1,124 @@
+// FFT: complex (interleaved, out of place) and real (forward into Perm, out of place) transforms
+// of N = 2^4 .. 2^20 points in float and double, against FFTW 3 planned with FFTW_MEASURE for
+// the same precision and placement. Besides the time, each case reports the benchFFT figure
+// "mflops": 5 N log2 N / t for complex and 2.5 N log2 N / t for real transforms.
+#include <cmath>
+#include <vector>
+
+#include "harness.h"
+#ifdef VSP_BENCH_HAVE_FFTW
+#include <fftw3.h>
+#endif
+
+namespace vspbench {
+namespace {
+
+std::vector<long long> Pow2Sizes() {
+  std::vector<long long> s;
+  for (int k = 4; k <= 20; ++k) s.push_back(1LL << k);
+  return s;
+}
+void Flops(benchmark::State& st, long long n, double perPoint) {
+  const double lg = std::log2(static_cast<double>(n));
+  st.counters["mflops"] = benchmark::Counter(perPoint * static_cast<double>(n) * lg * static_cast<double>(st.iterations()) / 1e6,
+                                              benchmark::Counter::kIsRate);
+}
+int Order(long long n) { return static_cast<int>(std::lround(std::log2(static_cast<double>(n)))); }
+
+// The members of one precision.
+template <class T> struct Members;
+template <> struct Members<Vsp32f> {
+  using Tc = Vsp32fc;
+  using SpecC = VspFFTSpec_C_32fc;
+  using SpecR = VspFFTSpec_R_32f;
+  static constexpr auto GetSizeC = vspsFFTGetSize_C_32fc;
+  static constexpr auto InitC = vspsFFTInit_C_32fc;
+  static constexpr auto FwdC = vspsFFTFwd_CToC_32fc;
+  static constexpr auto GetSizeR = vspsFFTGetSize_R_32f;
+  static constexpr auto InitR = vspsFFTInit_R_32f;
+  static constexpr auto FwdR = vspsFFTFwd_RToPerm_32f;
+};
+template <> struct Members<Vsp64f> {
+  using Tc = Vsp64fc;
+  using SpecC = VspFFTSpec_C_64fc;
+  using SpecR = VspFFTSpec_R_64f;
+  static constexpr auto GetSizeC = vspsFFTGetSize_C_64fc;
+  static constexpr auto InitC = vspsFFTInit_C_64fc;
+  static constexpr auto FwdC = vspsFFTFwd_CToC_64fc;
+  static constexpr auto GetSizeR = vspsFFTGetSize_R_64f;
+  static constexpr auto InitR = vspsFFTInit_R_64f;
+  static constexpr auto FwdR = vspsFFTFwd_RToPerm_64f;
+};
+
+// vsp: spec, init and work buffers from the size query; complex (kReal false) or real forward.
+template <class T, bool kReal> Body Vsp() {
+  return [](benchmark::State& st, long long n) {
+    using M = Members<T>;
+    int sz[3];
+    (kReal ? M::GetSizeR : M::GetSizeC)(Order(n), FFT_SCALE_NONE, vspAlgHintNone, &sz[0], &sz[1], &sz[2]);
+    Buffer<Vsp8u> spec(sz[0]), init(sz[1] + 1), work(sz[2] + 1);
+    Buffer<T> src(2 * n), dst(2 * n + 2);
+    typename M::SpecC* pc = nullptr;
+    typename M::SpecR* pr = nullptr;
+    if (kReal) M::InitR(&pr, Order(n), FFT_SCALE_NONE, vspAlgHintNone, spec.data, init.data);
+    else M::InitC(&pc, Order(n), FFT_SCALE_NONE, vspAlgHintNone, spec.data, init.data);
+    for (auto _ : st) {
+      if (kReal) M::FwdR(src.data, dst.data, pr, work.data);
+      else M::FwdC(reinterpret_cast<const typename M::Tc*>(src.data), reinterpret_cast<typename M::Tc*>(dst.data), pc, work.data);
+      benchmark::DoNotOptimize(dst.data);
+      benchmark::ClobberMemory();
+    }
+    Flops(st, n, kReal ? 2.5 : 5.0);
+  };
+}
+
+#ifdef VSP_BENCH_HAVE_FFTW
+// FFTW: out-of-place plans made with FFTW_MEASURE on the benchmark's own buffers.
+template <class T, bool kReal> Body Fftw() {
+  return [](benchmark::State& st, long long n) {
+    Buffer<T> src(2 * n), dst(2 * n + 2);
+    const int ni = static_cast<int>(n);
+    if constexpr (sizeof(T) == 4) {
+      fftwf_plan p = kReal ? fftwf_plan_dft_r2c_1d(ni, src.data, reinterpret_cast<fftwf_complex*>(dst.data), FFTW_MEASURE)
+                           : fftwf_plan_dft_1d(ni, reinterpret_cast<fftwf_complex*>(src.data),
+                                               reinterpret_cast<fftwf_complex*>(dst.data), FFTW_FORWARD, FFTW_MEASURE);
+      for (auto _ : st) {
+        fftwf_execute(p);
+        benchmark::DoNotOptimize(dst.data);
+        benchmark::ClobberMemory();
+      }
+      fftwf_destroy_plan(p);
+    } else {
+      fftw_plan p = kReal ? fftw_plan_dft_r2c_1d(ni, src.data, reinterpret_cast<fftw_complex*>(dst.data), FFTW_MEASURE)
+                          : fftw_plan_dft_1d(ni, reinterpret_cast<fftw_complex*>(src.data),
+                                             reinterpret_cast<fftw_complex*>(dst.data), FFTW_FORWARD, FFTW_MEASURE);
+      for (auto _ : st) {
+        fftw_execute(p);
+        benchmark::DoNotOptimize(dst.data);
+        benchmark::ClobberMemory();
+      }
+      fftw_destroy_plan(p);
+    }
+    Flops(st, n, kReal ? 2.5 : 5.0);
+  };
+}
+#endif
+
+template <class T, bool kReal> void RegisterCase(const std::string& name) {
+  const double bytes = kReal ? 2.0 * sizeof(T) : 4.0 * sizeof(T);
+  Register(name, "vsp", Pow2Sizes(), bytes, Vsp<T, kReal>());
+#ifdef VSP_BENCH_HAVE_FFTW
+  Register(name, "fftw", Pow2Sizes(), bytes, Fftw<T, kReal>());
+#endif
+}
+
+const int kRegistered = [] {
+  RegisterCase<Vsp32f, false>("FFT_C_32fc");
+  RegisterCase<Vsp64f, false>("FFT_C_64fc");
+  RegisterCase<Vsp32f, true>("FFT_R_32f");
+  RegisterCase<Vsp64f, true>("FFT_R_64f");
+  return 0;
+}();
+
+}  // namespace
+}  // namespace vspbench
