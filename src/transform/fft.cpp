@@ -74,10 +74,10 @@ template <class T> long long BuildComplex(SpecHeader<T>* h, Bump& bump, int c, S
     lv.offSmall = static_cast<int32_t>(reinterpret_cast<unsigned char*>(sm) - bump.base);
     for (long long j = 0; j < (1LL << (b - 1)); ++j) src.Twiddle(j, 1LL << b, sm[2 * j], sm[2 * j + 1]);
     h->levels = li + 1;
+    uint32_t* rr = bump.Take<uint32_t>(RevTableWords(r));
+    ownsFFTFillRev(rr, r);
+    lv.offRowRev = static_cast<int32_t>(reinterpret_cast<unsigned char*>(rr) - bump.base);
     if (r <= P::kSingleMax) {
-      uint32_t* rr = bump.Take<uint32_t>(RevTableWords(r));
-      ownsFFTFillRev(rr, r);
-      lv.offRowRev = static_cast<int32_t>(reinterpret_cast<unsigned char*>(rr) - bump.base);
       T* tw = bump.Take<T>(2 * StockhamTwiddles(r));
       ownsFFTFillStockham(tw, r, src);
       h->twiddle = tw;
@@ -177,9 +177,11 @@ void RunComplex(const SpecHeader<T>* h, int c, Halves<T> in, Halves<T> out, Vsp8
   } else if (c <= Prec<T>::kSingleMax) {
     ownsFFTStockham<T, kInv>(c, h->twiddle, in, out, Whole(work, 1LL << c), scaled, scale);
   } else {
-    ownsFFTBitRev(in, out, c, RevTable(h->bitRev, c));
+    const bool inPlace = in.lo == out.lo;
+    if (inPlace) ownsFFTBitRev(in, out, c, RevTable(h->bitRev, c));
+    else ownsFFTGatherRows(in, out, c, h->level[0].block);
     const LargePlan<T> plan{reinterpret_cast<const unsigned char*>(h), h->level, h->levels, h->twiddle};
-    LargeCore<T, kInv>(plan, 0, out, work, h->workBytes / Prec<T>::kPair, scaled, scale);
+    LargeCore<T, kInv>(plan, 0, out, work, h->workBytes / Prec<T>::kPair, scaled, scale, !inPlace);
   }
 }
 

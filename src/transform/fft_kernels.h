@@ -124,6 +124,68 @@ void ownsFFTPassR4(Halves<T> x, Halves<T> y, long long n, long long s, const T* 
   }
 }
 
+// One radix-8 pass at length n, stride s (n >= 64): y[q + s(8p + k)] = W_n^(kp) *
+// DFT8(x[q + s(p + k n/8)]) over p < n/8, q < s; tw holds W_n^(kp) for k = 1..7 as seven
+// arrays of n/8.
+template <class T, bool kInv>
+void ownsFFTPassR8(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
+  using V = sd::Vec<T>;
+  const long long n8 = n / 8, n16 = n / 16, eighth = s * n8;
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    const long long p0 = half * n16;
+    if (s >= sd::kPairs<T>) {
+      for (long long pp = 0; pp < n16; ++pp) {
+        const long long p = p0 + pp;
+        const T* xa = x.lo + 2 * s * p;
+        const T* xe = x.hi + 2 * s * p;
+        T* ya = yb + 2 * s * 8 * pp;
+        for (long long q = 0; q < s; q += sd::kPairs<T>) {
+          V v[8];
+          for (int j = 0; j < 4; ++j)
+            v[j] = sd::LoadU(xa + 2 * (q + j * eighth)), v[j + 4] = sd::LoadU(xe + 2 * (q + j * eighth));
+          Bfly8<kInv, T>(v);
+          sd::StoreU(v[0], ya + 2 * q);
+          for (int j = 1; j < 8; ++j)
+            sd::StoreU(sd::MulTwiddle<kInv>(v[j], sd::LoadBroadcast1(tw + 2 * ((j - 1) * n8 + p))), ya + 2 * (q + j * s));
+        }
+      }
+    } else if constexpr (sd::kPairs<T> == 2) {
+      for (long long pp = 0; pp < n16; pp += 2) {
+        const long long p = p0 + pp;
+        V v[8];
+        for (int j = 0; j < 4; ++j)
+          v[j] = sd::LoadU(x.lo + 2 * (p + j * eighth)), v[j + 4] = sd::LoadU(x.hi + 2 * (p + j * eighth));
+        Bfly8<kInv, T>(v);
+        for (int j = 1; j < 8; ++j) v[j] = sd::MulTwiddle<kInv>(v[j], sd::LoadU(tw + 2 * ((j - 1) * n8 + p)));
+        T* ya = yb + 16 * pp;
+        for (int j = 0; j < 8; j += 2) {
+          sd::StoreU(sd::PairsLo(v[j], v[j + 1]), ya + 2 * j);
+          sd::StoreU(sd::PairsHi(v[j], v[j + 1]), ya + 16 + 2 * j);
+        }
+      }
+    }
+  }
+}
+
+// The passes of a Stockham transform of order k >= 2: radix-8 passes while they leave at least
+// 8 points, radix-4 passes, then one twiddle-free radix-4 or radix-8 pass. Returns the log2 of
+// the radix of pass i, 0 past the last pass; the last pass is the one whose radix is the
+// remaining length.
+constexpr int PassLog(int k, int i) {
+  const int e = k % 3 == 0 ? 3 : 2;               // last pass
+  const int r4 = k % 3 == 1 ? 1 : 0;              // one radix-4 pass when k = 1 (mod 3)
+  const int r8 = (k - e - 2 * r4) / 3;
+  if (i < r8) return 3;
+  if (i < r8 + r4) return 2;
+  return i == r8 + r4 ? e : 0;
+}
+constexpr int PassCount(int k) {
+  int c = 0;
+  while (PassLog(k, c)) ++c;
+  return c;
+}
+
 // The last pass, without twiddles: radix-4 at stride s = N/4 or radix-8 at s = N/8, reading
 // x and writing the same positions of y (x may be y), each output multiplied by `scale` when
 // `scaled`.
@@ -155,18 +217,20 @@ void LastR8(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
   }
 }
 
-// Complex values of the twiddle table of the Stockham passes of an N-point transform.
+// Complex values of the twiddle table of the Stockham passes of an N-point transform: for each
+// pass but the last, of radix R at length n, W_n^(kp) for k = 1 .. R-1, p < n/R.
 constexpr long long StockhamTwiddles(int order) {
-  long long total = 0;
-  for (long long n = 1LL << order; n > 8; n /= 4) total += 3 * (n / 4);
+  long long total = 0, n = 1LL << order;
+  for (int i = 0; i + 1 < PassCount(order); n >>= PassLog(order, i), ++i) total += n - (n >> PassLog(order, i));
   return total;
 }
 // Fills that table from a sine source.
-template <class T> void ownsFFTFillStockham(T* dst, int order, SineSource<T> src) {
-  for (long long n = 1LL << order; n > 8; n /= 4) {
-    const long long n4 = n / 4;
-    for (int k = 1; k <= 3; ++k)
-      for (long long p = 0; p < n4; ++p, dst += 2) src.Twiddle(k * p, n, dst[0], dst[1]);
+template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSource<T> src) {
+  long long n = 1LL << order;
+  for (int i = 0; i + 1 < PassCount(order); n >>= PassLog(order, i), ++i) {
+    const long long radix = 1LL << PassLog(order, i), m = n / radix;
+    for (long long k = 1; k < radix; ++k)
+      for (long long p = 0; p < m; ++p, dst += 2) src.Twiddle(k * p, n, dst[0], dst[1]);
   }
 }
 
@@ -187,9 +251,13 @@ void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves
   Halves<T> cur = in;
   Halves<T> target = in.lo == tmp.lo ? out : tmp;
   long long n = n0, s = 1;
-  for (; n > 8; n /= 4, s *= 4) {
-    ownsFFTPassR4<T, kInv>(cur, target, n, s, tw);
-    tw += 6 * (n / 4);
+  for (int i = 0; i + 1 < PassCount(order); ++i) {
+    const int lg = PassLog(order, i);
+    if (lg == 3) ownsFFTPassR8<T, kInv>(cur, target, n, s, tw);
+    else ownsFFTPassR4<T, kInv>(cur, target, n, s, tw);
+    tw += 2 * (n - (n >> lg));
+    n >>= lg;
+    s <<= lg;
     cur = target;
     target = target.lo == out.lo ? tmp : out;
   }
@@ -207,11 +275,7 @@ void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves
 template <class T, int kOrder> struct SmallTwiddles {
   T v[2 * StockhamTwiddles(kOrder)];
   constexpr SmallTwiddles() : v() {
-    SineSource<T> src{FixedTable<T>(), kFixedOrder};
-    const long long n = 1LL << kOrder, n4 = n / 4;
-    int i = 0;
-    for (int k = 1; k <= 3; ++k)
-      for (long long p = 0; p < n4; ++p, i += 2) src.Twiddle(k * p, n, v[i], v[i + 1]);
+    ownsFFTFillStockham(v, kOrder, SineSource<T>{FixedTable<T>(), kFixedOrder});
   }
 };
 template <class T> inline constexpr SmallTwiddles<T, 4> kSmallTw4{};
@@ -383,20 +447,45 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
   }
 }
 
-// The transform of level li on data already in bit-reversed order, in place.
+// Out-of-place first step of the blocked plan: row rev_b(n1) of y receives x[n1 + 2^b n2] in
+// natural order of n2, taking eight consecutive n1 at a time so that every read is a run of
+// eight values and every row is written in order.
+template <class T>
+void ownsFFTGatherRows(Halves<T> x, Halves<T> y, int order, int block) {
+  const long long n1 = 1LL << block, n2 = 1LL << (order - block);
+  for (long long t = 0; t < n1; t += 8) {
+    T* rows[8];
+    for (int i = 0; i < 8; ++i) {
+      long long v = 0;
+      for (int bit = 0; bit < block; ++bit) v |= ((t + i) >> bit & 1) << (block - 1 - bit);
+      rows[i] = y.At(v * n2);
+    }
+    for (long long k2 = 0; k2 < n2; ++k2) {
+      const T* run = x.At(t + n1 * k2);
+      for (int i = 0; i < 8; ++i) sd::Store1(sd::Load1(run + 2 * i), rows[i] + 2 * k2);
+    }
+  }
+}
+
+// The transform of level li in place on d, whose rows hold their decimated sequences in
+// bit-reversed order (natural false) or in natural order (natural true).
 template <class T, bool kInv>
-void LargeCore(const LargePlan<T>& pl, int li, Halves<T> d, T* work, long long workPairs, bool scaled, T scale) {
+void LargeCore(const LargePlan<T>& pl, int li, Halves<T> d, T* work, long long workPairs, bool scaled, T scale,
+               bool natural) {
   const Level& lv = pl.levels[li];
   const int r = lv.order - lv.block;
   const long long n1 = 1LL << lv.block, n2 = 1LL << r;
+  const RevTable rt(reinterpret_cast<const uint32_t*>(pl.base + lv.offRowRev), r);
   for (long long j = 0; j < n1; ++j) {
-    T* row = d.At(j * n2);
+    const Halves<T> row = Whole(d.At(j * n2), n2);
     if (li + 1 < pl.count) {
-      LargeCore<T, kInv>(pl, li + 1, Whole(row, n2), work, workPairs, false, T(0));
+      if (natural) ownsFFTBitRev(row, row, r, rt);
+      LargeCore<T, kInv>(pl, li + 1, row, work, workPairs, false, T(0), false);
+    } else if (natural) {
+      ownsFFTStockham<T, kInv>(r, pl.rowTw, row, row, Whole(work, n2), false, T(0));
     } else {
-      RevTable rt(reinterpret_cast<const uint32_t*>(pl.base + lv.offRowRev), r);
-      ownsFFTBitRev(Whole(row, n2), Whole(work, n2), r, rt);
-      ownsFFTStockham<T, kInv>(r, pl.rowTw, Whole(work, n2), Whole(row, n2), Whole(work, n2), false, T(0));
+      ownsFFTBitRev(row, Whole(work, n2), r, rt);
+      ownsFFTStockham<T, kInv>(r, pl.rowTw, Whole(work, n2), row, Whole(work, n2), false, T(0));
     }
   }
   ColumnPasses<T, kInv>(pl, lv, d, work, workPairs, scaled, scale);

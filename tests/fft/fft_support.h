@@ -137,6 +137,9 @@ template <class T> Built<T> Build(Kind kind, int order, int flag, size_t mis = 0
   return b;
 }
 
+// A start offset of about `bytes` past a 16-byte boundary that T's alignment allows.
+template <class T> size_t Mis(size_t bytes) { return bytes / sizeof(T) * sizeof(T) % 16; }
+
 // Highest order the accuracy sweeps reach in this build.
 inline int MaxTestedOrder() { return kSanitized ? 16 : 20; }
 

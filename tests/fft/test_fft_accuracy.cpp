@@ -44,7 +44,7 @@ TEST(FftAccuracy, ComplexEveryOrder) {
       Built<T> s = Build<T>(kSplit, order, FFT_SCALE_NONE);
       ASSERT_EQ(c.st, vspStatOk);
       ASSERT_EQ(s.st, vspStatOk);
-      GuardedVec<T> src(2 * n, 8), dst(2 * n, 4);
+      GuardedVec<T> src(2 * n, Mis<T>(8)), dst(2 * n, Mis<T>(4));
       std::memcpy(src.data(), in.data(), 2 * n * sizeof(T));
       for (int inv = 0; inv < 2; ++inv) {
         const std::vector<CL>& ref = inv ? refI : refF;
@@ -61,7 +61,7 @@ TEST(FftAccuracy, ComplexEveryOrder) {
         ASSERT_EQ((inv ? F::InvCI : F::FwdCI)(d2, sc, c.Work()), vspStatOk);
         ASSERT_EQ(std::memcmp(dst.data(), out.data(), 2 * n * sizeof(T)), 0) << "in place differs";
         // Split form, out of place and in place: the same bits as the interleaved form.
-        GuardedVec<T> re(n, 4), im(n, 12), ore(n), oim(n, 8);
+        GuardedVec<T> re(n, Mis<T>(4)), im(n, Mis<T>(12)), ore(n), oim(n, Mis<T>(8));
         for (size_t i = 0; i < n; ++i) re[i] = in[2 * i], im[i] = in[2 * i + 1];
         auto ss = s.template As<typename F::SpecS>();
         ASSERT_EQ((inv ? F::InvS : F::FwdS)(re.data(), im.data(), ore.data(), oim.data(), ss, s.Work()), vspStatOk);
@@ -92,7 +92,7 @@ TEST(FftAccuracy, RealEveryOrderAndLayout) {
       auto sp = r.template As<typename F::SpecR>();
       for (int lay = 0; lay < 3; ++lay) {
         const size_t len = lay == 2 ? n + 1 + (n > 1) : n;  // CCS: N + 2, or 2 for N = 1
-        GuardedVec<T> dst(len, 4), back(n, 8);
+        GuardedVec<T> dst(len, Mis<T>(4)), back(n, Mis<T>(8));
         ASSERT_EQ(F::FwdR[lay](x.data(), dst.data(), sp, r.Work()), vspStatOk);
         ASSERT_TRUE(dst.OutsideIntact());
         // Read bins 0..N/2 back from the layout by its definition.
@@ -105,7 +105,9 @@ TEST(FftAccuracy, RealEveryOrderAndLayout) {
         if (n > 1) got[n / 2] = CL(lay == 0 ? dst[n - 1] : lay == 1 ? dst[1] : dst[n], 0);
         if (lay == 2) {
           EXPECT_EQ(dst[1], T(0));
-          if (n > 1) EXPECT_EQ(dst[n + 1], T(0));
+          if (n > 1) {
+            EXPECT_EQ(dst[n + 1], T(0));
+          }
         }
         ExpectAccurate<T>(got, want, order, "real forward");
         // Inverse: N times the signal.
@@ -115,7 +117,7 @@ TEST(FftAccuracy, RealEveryOrderAndLayout) {
         ExpectAccurate<T>(gotx, wantx, order, "real inverse");
         ASSERT_TRUE(back.OutsideIntact());
         // In place: same bits.
-        GuardedVec<T> io(len, 12);
+        GuardedVec<T> io(len, Mis<T>(12));
         std::memcpy(io.data(), x.data(), n * sizeof(T));
         ASSERT_EQ(F::FwdRI[lay](io.data(), sp, r.Work()), vspStatOk);
         ASSERT_EQ(std::memcmp(io.data(), dst.data(), len * sizeof(T)), 0);

@@ -238,7 +238,9 @@ TEST(FftInterface, TransformCheckOrder) {
         EXPECT_EQ(fn(nullptr, cd, static_cast<SC>(c.p), w), vspStatNullPtr);
         EXPECT_EQ(fn(cs, nullptr, static_cast<SC>(c.p), w), vspStatNullPtr);
         EXPECT_EQ(fn(cs, cd, static_cast<SC>(c.p), nullptr), needsWork ? vspStatNullPtr : vspStatOk);
-        if (needsWork) EXPECT_EQ(dst, canary);
+        if (needsWork) {
+          EXPECT_EQ(dst, canary);
+        }
       }
       for (auto fn : {F::FwdCI, F::InvCI}) {
         EXPECT_EQ(fn(nullptr, nullptr, w), vspStatNullPtr);
@@ -253,7 +255,9 @@ TEST(FftInterface, TransformCheckOrder) {
         EXPECT_EQ(fn(src.data(), src.data(), dst.data(), nullptr, static_cast<SS>(s.p), w), vspStatNullPtr);
         EXPECT_EQ(fn(src.data(), src.data(), dst.data(), dst2.data(), static_cast<SS>(s.p), nullptr),
                   needsWork ? vspStatNullPtr : vspStatOk);
-        if (needsWork) EXPECT_EQ(dst, canary);
+        if (needsWork) {
+          EXPECT_EQ(dst, canary);
+        }
       }
       for (auto fn : {F::FwdSI, F::InvSI}) {
         EXPECT_EQ(fn(nullptr, nullptr, static_cast<SS>(r.p), w), vspStatBadContext);
@@ -269,7 +273,9 @@ TEST(FftInterface, TransformCheckOrder) {
           EXPECT_EQ(fn(nullptr, dst.data(), static_cast<SR>(r.p), r.Work()), vspStatNullPtr);
           EXPECT_EQ(fn(src.data(), nullptr, static_cast<SR>(r.p), r.Work()), vspStatNullPtr);
           EXPECT_EQ(fn(src.data(), dst.data(), static_cast<SR>(r.p), nullptr), realWork ? vspStatNullPtr : vspStatOk);
-          if (realWork) EXPECT_EQ(dst, canary);
+          if (realWork) {
+            EXPECT_EQ(dst, canary);
+          }
         }
       for (int lay = 0; lay < 3; ++lay)
         for (auto fn : {F::FwdRI[lay], F::InvRI[lay]}) {

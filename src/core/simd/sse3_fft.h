@@ -12,24 +12,26 @@ namespace vsp::simd {
 // Complex values per vector.
 template <class T> inline constexpr int kPairs = kLanes<T> / 2;
 
-// One complex value into the low pair (the rest zero); the low pair out.
+// One complex value into the low pair (the rest zero); the low pair out. Float pairs need only
+// 4-byte alignment.
 inline Vec<Vsp32f> Load1(const Vsp32f* p) {
-  return {_mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(p)))};
+  return {_mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(p))};
 }
 inline Vec<Vsp64f> Load1(const Vsp64f* p) { return {_mm_loadu_pd(p)}; }
-inline void Store1(Vec<Vsp32f> v, Vsp32f* p) { _mm_store_sd(reinterpret_cast<double*>(p), _mm_castps_pd(v.raw)); }
+inline void Store1(Vec<Vsp32f> v, Vsp32f* p) { _mm_storel_pi(reinterpret_cast<__m64*>(p), v.raw); }
 inline void Store1(Vec<Vsp64f> v, Vsp64f* p) { _mm_storeu_pd(p, v.raw); }
 
 // The complex value at p in every pair of the vector.
 inline Vec<Vsp32f> LoadBroadcast1(const Vsp32f* p) {
-  return {_mm_castpd_ps(_mm_loaddup_pd(reinterpret_cast<const double*>(p)))};
+  __m128 v = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(p));
+  return {_mm_movelh_ps(v, v)};
 }
 inline Vec<Vsp64f> LoadBroadcast1(const Vsp64f* p) { return {_mm_loadu_pd(p)}; }
 
 // Two complex floats from two addresses: (p0[0], p1[0]); and the reverse, pair 0 to p0 and
 // pair 1 to p1.
 inline Vec<Vsp32f> Load2(const Vsp32f* p0, const Vsp32f* p1) {
-  __m128 v = _mm_castpd_ps(_mm_load_sd(reinterpret_cast<const double*>(p0)));
+  __m128 v = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(p0));
   return {_mm_loadh_pi(v, reinterpret_cast<const __m64*>(p1))};
 }
 inline void Store2(Vec<Vsp32f> v, Vsp32f* p0, Vsp32f* p1) {
