@@ -25,6 +25,10 @@ namespace vsp::fft {
 
 namespace sd = vsp::simd;
 
+// Inlined into their callers, so that the direct kernels see every length and stride as a
+// constant and unroll completely.
+#define VSP_FFT_INLINE [[gnu::always_inline]] inline
+
 template <class T> struct Halves {
   T* lo;
   T* hi;
@@ -37,7 +41,7 @@ template <class T> Halves<T> Whole(T* p, long long n) { return {p, p + 2 * (n / 
 // ---- butterflies ---------------------------------------------------------------------------
 
 template <bool kInv, class V>
-inline void Bfly4(V a, V b, V c, V d, V& y0, V& y1, V& y2, V& y3) {
+VSP_FFT_INLINE void Bfly4(V a, V b, V c, V d, V& y0, V& y1, V& y2, V& y3) {
   V t0 = sd::Add(a, c), t1 = sd::Sub(a, c), t2 = sd::Add(b, d), t3 = sd::MulRot<kInv>(sd::Sub(b, d));
   y0 = sd::Add(t0, t2);
   y1 = sd::Add(t1, t3);
@@ -47,7 +51,7 @@ inline void Bfly4(V a, V b, V c, V d, V& y0, V& y1, V& y2, V& y3) {
 
 // 8-point DFT of x[0..7] in place (outputs in natural order).
 template <bool kInv, class T>
-inline void Bfly8(sd::Vec<T>* x) {
+VSP_FFT_INLINE void Bfly8(sd::Vec<T>* x) {
   const sd::Vec<T> h = sd::Set1<T>(static_cast<T>(0.70710678118654752440L));
   sd::Vec<T> a[4], b[4];
   for (int j = 0; j < 4; ++j) a[j] = sd::Add(x[j], x[j + 4]), b[j] = sd::Sub(x[j], x[j + 4]);
@@ -77,7 +81,7 @@ template <class T> struct PairV {
 // y[q + s(4p + k)] = W_n^(kp) * DFT4(x[q + s(p + k n/4)]) over p < n/4, q < s. tw holds
 // W_n^p, W_n^2p, W_n^3p for p < n/4, as three arrays.
 template <class T, bool kInv>
-void ownsFFTPassR4(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
+VSP_FFT_INLINE void ownsFFTPassR4(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
   using V = sd::Vec<T>;
   const long long n4 = n / 4, n8 = n / 8, quarter = s * n4;
   const T* w1 = tw;
@@ -128,7 +132,7 @@ void ownsFFTPassR4(Halves<T> x, Halves<T> y, long long n, long long s, const T* 
 // DFT8(x[q + s(p + k n/8)]) over p < n/8, q < s; tw holds W_n^(kp) for k = 1..7 as seven
 // arrays of n/8.
 template <class T, bool kInv>
-void ownsFFTPassR8(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
+VSP_FFT_INLINE void ownsFFTPassR8(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
   using V = sd::Vec<T>;
   const long long n8 = n / 8, n16 = n / 16, eighth = s * n8;
   for (int half = 0; half < 2; ++half) {
@@ -190,7 +194,7 @@ constexpr int PassCount(int k) {
 // x and writing the same positions of y (x may be y), each output multiplied by `scale` when
 // `scaled`.
 template <class T, bool kInv, class Mv>
-void LastR4(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
+VSP_FFT_INLINE void LastR4(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
   for (long long q = 0; q < s; q += Mv::kStep) {
     sd::Vec<T> v[4];
     Bfly4<kInv>(Mv::Load(x.lo + 2 * q), Mv::Load(x.lo + 2 * (q + s)), Mv::Load(x.hi + 2 * q),
@@ -204,7 +208,7 @@ void LastR4(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
   }
 }
 template <class T, bool kInv, class Mv>
-void LastR8(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
+VSP_FFT_INLINE void LastR8(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
   for (long long q = 0; q < s; q += Mv::kStep) {
     sd::Vec<T> v[8];
     for (int j = 0; j < 4; ++j) v[j] = Mv::Load(x.lo + 2 * (q + j * s)), v[j + 4] = Mv::Load(x.hi + 2 * (q + j * s));
@@ -237,7 +241,7 @@ template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSou
 // The whole transform of 2^order points (order >= 1) from `in` to `out` with `tmp` of N complex
 // values (any of them may coincide, except that tmp must differ from out).
 template <class T, bool kInv>
-void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
   const sd::Vec<T> sc = sd::Set1<T>(scale);
   const long long n0 = 1LL << order;
   if (order == 1) {
@@ -271,6 +275,11 @@ void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves
   }
 }
 
+template <class T, bool kInv>
+void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  StockhamPasses<T, kInv>(order, tw, in, out, tmp, scaled, scale);
+}
+
 // Stockham twiddles of the direct kernels (orders 4 and 5), from the fixed table.
 template <class T, int kOrder> struct SmallTwiddles {
   T v[2 * StockhamTwiddles(kOrder)];
@@ -281,19 +290,29 @@ template <class T, int kOrder> struct SmallTwiddles {
 template <class T> inline constexpr SmallTwiddles<T, 4> kSmallTw4{};
 template <class T> inline constexpr SmallTwiddles<T, 5> kSmallTw5{};
 
-// Direct transforms of 1 .. 32 points: no tables beyond the constant ones, a stack buffer.
+// Direct transforms of 1 .. 32 points: no tables beyond the constant ones, a stack buffer, the
+// passes unrolled for each order.
+template <class T, bool kInv, int kOrder>
+void DirectN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
+  alignas(16) T buf[2 << kOrder];
+  const T* tw = kOrder == 4 ? kSmallTw4<T>.v : kSmallTw5<T>.v;
+  StockhamPasses<T, kInv>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
+}
 template <class T, bool kInv>
 void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale) {
-  if (order == 0) {
-    const T s = scaled ? scale : T(1);
-    T re = in.lo[0], im = in.lo[1];
-    out.lo[0] = scaled ? re * s : re;
-    out.lo[1] = scaled ? im * s : im;
-    return;
+  switch (order) {
+    case 0: {
+      const T re = in.lo[0], im = in.lo[1];
+      out.lo[0] = scaled ? re * scale : re;
+      out.lo[1] = scaled ? im * scale : im;
+      return;
+    }
+    case 1: return DirectN<T, kInv, 1>(in, out, scaled, scale);
+    case 2: return DirectN<T, kInv, 2>(in, out, scaled, scale);
+    case 3: return DirectN<T, kInv, 3>(in, out, scaled, scale);
+    case 4: return DirectN<T, kInv, 4>(in, out, scaled, scale);
+    default: return DirectN<T, kInv, 5>(in, out, scaled, scale);
   }
-  alignas(16) T buf[64];
-  const T* tw = order == 4 ? kSmallTw4<T>.v : kSmallTw5<T>.v;
-  ownsFFTStockham<T, kInv>(order, tw, in, out, Whole(buf, 1LL << order), scaled, scale);
 }
 
 // ---- bit reversal ----------------------------------------------------------------------------
