@@ -27,28 +27,21 @@ int Order(long long n) { return static_cast<int>(std::lround(std::log2(static_ca
 
 // The members of one precision.
 template <class T> struct Members;
-template <> struct Members<Vsp32f> {
-  using Tc = Vsp32fc;
-  using SpecC = VspFFTSpec_C_32fc;
-  using SpecR = VspFFTSpec_R_32f;
-  static constexpr auto GetSizeC = vspsFFTGetSize_C_32fc;
-  static constexpr auto InitC = vspsFFTInit_C_32fc;
-  static constexpr auto FwdC = vspsFFTFwd_CToC_32fc;
-  static constexpr auto GetSizeR = vspsFFTGetSize_R_32f;
-  static constexpr auto InitR = vspsFFTInit_R_32f;
-  static constexpr auto FwdR = vspsFFTFwd_RToPerm_32f;
-};
-template <> struct Members<Vsp64f> {
-  using Tc = Vsp64fc;
-  using SpecC = VspFFTSpec_C_64fc;
-  using SpecR = VspFFTSpec_R_64f;
-  static constexpr auto GetSizeC = vspsFFTGetSize_C_64fc;
-  static constexpr auto InitC = vspsFFTInit_C_64fc;
-  static constexpr auto FwdC = vspsFFTFwd_CToC_64fc;
-  static constexpr auto GetSizeR = vspsFFTGetSize_R_64f;
-  static constexpr auto InitR = vspsFFTInit_R_64f;
-  static constexpr auto FwdR = vspsFFTFwd_RToPerm_64f;
-};
+#define VSP_BENCH_MEMBERS(t)                                  \
+  template <> struct Members<Vsp##t> {                        \
+    using Tc = Vsp##t##c;                                     \
+    using SpecC = VspFFTSpec_C_##t##c;                        \
+    using SpecR = VspFFTSpec_R_##t;                           \
+    static constexpr auto GetSizeC = vspsFFTGetSize_C_##t##c; \
+    static constexpr auto InitC = vspsFFTInit_C_##t##c;       \
+    static constexpr auto FwdC = vspsFFTFwd_CToC_##t##c;      \
+    static constexpr auto GetSizeR = vspsFFTGetSize_R_##t;    \
+    static constexpr auto InitR = vspsFFTInit_R_##t;          \
+    static constexpr auto FwdR = vspsFFTFwd_RToPerm_##t;      \
+  };
+VSP_BENCH_MEMBERS(32f)
+VSP_BENCH_MEMBERS(64f)
+#undef VSP_BENCH_MEMBERS
 
 // vsp: spec, init and work buffers from the size query; complex (kReal false) or real forward.
 template <class T, bool kReal> Body Vsp() {

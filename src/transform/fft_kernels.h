@@ -77,95 +77,53 @@ template <class T> struct PairV {
   static constexpr int kStep = sd::kPairs<T>;
 };
 
-// One radix-4 pass of an N-point transform at length n, stride s (n * s = N, n >= 16):
-// y[q + s(4p + k)] = W_n^(kp) * DFT4(x[q + s(p + k n/4)]) over p < n/4, q < s. tw holds
-// W_n^p, W_n^2p, W_n^3p for p < n/4, as three arrays.
-template <class T, bool kInv>
-VSP_FFT_INLINE void ownsFFTPassR4(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
+// The DFT of R = 4 or 8 values in registers, in place, outputs in natural order.
+template <bool kInv, int kR, class T> VSP_FFT_INLINE void DftInRegs(sd::Vec<T>* v) {
+  if constexpr (kR == 4) Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
+  else Bfly8<kInv, T>(v);
+}
+
+// One radix-R pass (R = 4 or 8) of an N-point transform at length n, stride s (n * s = N,
+// n >= 4R): y[q + s(Rp + k)] = W_n^(kp) * DFT_R(x[q + s(p + k n/R)]) over p < n/R, q < s. tw
+// holds W_n^(kp) for k = 1 .. R-1 as R-1 arrays of n/R. Inputs k < R/2 lie in the low half,
+// the others in the high half; outputs of p < n/2R in the low half.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void ownsFFTPass(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
   using V = sd::Vec<T>;
-  const long long n4 = n / 4, n8 = n / 8, quarter = s * n4;
-  const T* w1 = tw;
-  const T* w2 = tw + 2 * n4;
-  const T* w3 = tw + 4 * n4;
+  constexpr int kH = kR / 2;
+  const long long m = n / kR, mh = m / 2, stride = s * m;
   for (int half = 0; half < 2; ++half) {
     T* yb = half ? y.hi : y.lo;
-    const long long p0 = half * n8;
+    const long long p0 = half * mh;
     if (s >= sd::kPairs<T>) {
-      for (long long pp = 0; pp < n8; ++pp) {
+      for (long long pp = 0; pp < mh; ++pp) {
         const long long p = p0 + pp;
-        const V t1 = sd::LoadBroadcast1(w1 + 2 * p), t2 = sd::LoadBroadcast1(w2 + 2 * p),
-                t3 = sd::LoadBroadcast1(w3 + 2 * p);
         const T* xa = x.lo + 2 * s * p;
-        const T* xc = x.hi + 2 * s * p;
-        T* ya = yb + 2 * s * 4 * pp;
+        const T* xe = x.hi + 2 * s * p;
+        T* ya = yb + 2 * s * kR * pp;
         for (long long q = 0; q < s; q += sd::kPairs<T>) {
-          V y0, y1, y2, y3;
-          Bfly4<kInv>(sd::LoadU(xa + 2 * q), sd::LoadU(xa + 2 * (q + quarter)), sd::LoadU(xc + 2 * q),
-                      sd::LoadU(xc + 2 * (q + quarter)), y0, y1, y2, y3);
-          sd::StoreU(y0, ya + 2 * q);
-          sd::StoreU(sd::MulTwiddle<kInv>(y1, t1), ya + 2 * (q + s));
-          sd::StoreU(sd::MulTwiddle<kInv>(y2, t2), ya + 2 * (q + 2 * s));
-          sd::StoreU(sd::MulTwiddle<kInv>(y3, t3), ya + 2 * (q + 3 * s));
+          V v[kR];
+          for (int j = 0; j < kH; ++j)
+            v[j] = sd::LoadU(xa + 2 * (q + j * stride)), v[j + kH] = sd::LoadU(xe + 2 * (q + j * stride));
+          DftInRegs<kInv, kR, T>(v);
+          sd::StoreU(v[0], ya + 2 * q);
+          for (int j = 1; j < kR; ++j)
+            sd::StoreU(sd::MulTwiddle<kInv>(v[j], sd::LoadBroadcast1(tw + 2 * ((j - 1) * m + p))), ya + 2 * (q + j * s));
         }
       }
     } else if constexpr (sd::kPairs<T> == 2) {
       // s == 1 with two complex floats per vector: p and p + 1 side by side.
-      for (long long pp = 0; pp < n8; pp += 2) {
+      for (long long pp = 0; pp < mh; pp += 2) {
         const long long p = p0 + pp;
-        V y0, y1, y2, y3;
-        Bfly4<kInv>(sd::LoadU(x.lo + 2 * p), sd::LoadU(x.lo + 2 * (p + quarter)), sd::LoadU(x.hi + 2 * p),
-                    sd::LoadU(x.hi + 2 * (p + quarter)), y0, y1, y2, y3);
-        y1 = sd::MulTwiddle<kInv>(y1, sd::LoadU(w1 + 2 * p));
-        y2 = sd::MulTwiddle<kInv>(y2, sd::LoadU(w2 + 2 * p));
-        y3 = sd::MulTwiddle<kInv>(y3, sd::LoadU(w3 + 2 * p));
-        T* ya = yb + 8 * pp;
-        sd::StoreU(sd::PairsLo(y0, y1), ya);
-        sd::StoreU(sd::PairsLo(y2, y3), ya + 4);
-        sd::StoreU(sd::PairsHi(y0, y1), ya + 8);
-        sd::StoreU(sd::PairsHi(y2, y3), ya + 12);
-      }
-    }
-  }
-}
-
-// One radix-8 pass at length n, stride s (n >= 64): y[q + s(8p + k)] = W_n^(kp) *
-// DFT8(x[q + s(p + k n/8)]) over p < n/8, q < s; tw holds W_n^(kp) for k = 1..7 as seven
-// arrays of n/8.
-template <class T, bool kInv>
-VSP_FFT_INLINE void ownsFFTPassR8(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
-  using V = sd::Vec<T>;
-  const long long n8 = n / 8, n16 = n / 16, eighth = s * n8;
-  for (int half = 0; half < 2; ++half) {
-    T* yb = half ? y.hi : y.lo;
-    const long long p0 = half * n16;
-    if (s >= sd::kPairs<T>) {
-      for (long long pp = 0; pp < n16; ++pp) {
-        const long long p = p0 + pp;
-        const T* xa = x.lo + 2 * s * p;
-        const T* xe = x.hi + 2 * s * p;
-        T* ya = yb + 2 * s * 8 * pp;
-        for (long long q = 0; q < s; q += sd::kPairs<T>) {
-          V v[8];
-          for (int j = 0; j < 4; ++j)
-            v[j] = sd::LoadU(xa + 2 * (q + j * eighth)), v[j + 4] = sd::LoadU(xe + 2 * (q + j * eighth));
-          Bfly8<kInv, T>(v);
-          sd::StoreU(v[0], ya + 2 * q);
-          for (int j = 1; j < 8; ++j)
-            sd::StoreU(sd::MulTwiddle<kInv>(v[j], sd::LoadBroadcast1(tw + 2 * ((j - 1) * n8 + p))), ya + 2 * (q + j * s));
-        }
-      }
-    } else if constexpr (sd::kPairs<T> == 2) {
-      for (long long pp = 0; pp < n16; pp += 2) {
-        const long long p = p0 + pp;
-        V v[8];
-        for (int j = 0; j < 4; ++j)
-          v[j] = sd::LoadU(x.lo + 2 * (p + j * eighth)), v[j + 4] = sd::LoadU(x.hi + 2 * (p + j * eighth));
-        Bfly8<kInv, T>(v);
-        for (int j = 1; j < 8; ++j) v[j] = sd::MulTwiddle<kInv>(v[j], sd::LoadU(tw + 2 * ((j - 1) * n8 + p)));
-        T* ya = yb + 16 * pp;
-        for (int j = 0; j < 8; j += 2) {
+        V v[kR];
+        for (int j = 0; j < kH; ++j)
+          v[j] = sd::LoadU(x.lo + 2 * (p + j * stride)), v[j + kH] = sd::LoadU(x.hi + 2 * (p + j * stride));
+        DftInRegs<kInv, kR, T>(v);
+        for (int j = 1; j < kR; ++j) v[j] = sd::MulTwiddle<kInv>(v[j], sd::LoadU(tw + 2 * ((j - 1) * m + p)));
+        T* ya = yb + 2 * kR * pp;
+        for (int j = 0; j < kR; j += 2) {
           sd::StoreU(sd::PairsLo(v[j], v[j + 1]), ya + 2 * j);
-          sd::StoreU(sd::PairsHi(v[j], v[j + 1]), ya + 16 + 2 * j);
+          sd::StoreU(sd::PairsHi(v[j], v[j + 1]), ya + 2 * kR + 2 * j);
         }
       }
     }
@@ -190,33 +148,19 @@ constexpr int PassCount(int k) {
   return c;
 }
 
-// The last pass, without twiddles: radix-4 at stride s = N/4 or radix-8 at s = N/8, reading
-// x and writing the same positions of y (x may be y), each output multiplied by `scale` when
-// `scaled`.
-template <class T, bool kInv, class Mv>
-VSP_FFT_INLINE void LastR4(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
+// The last pass, without twiddles: radix R = 4 or 8 at stride s = N/R, reading x and writing
+// the same positions of y (x may be y), each output multiplied by `scale` when `scaled`.
+template <class T, bool kInv, int kR, class Mv>
+VSP_FFT_INLINE void LastPass(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
+  constexpr int kH = kR / 2;
   for (long long q = 0; q < s; q += Mv::kStep) {
-    sd::Vec<T> v[4];
-    Bfly4<kInv>(Mv::Load(x.lo + 2 * q), Mv::Load(x.lo + 2 * (q + s)), Mv::Load(x.hi + 2 * q),
-                Mv::Load(x.hi + 2 * (q + s)), v[0], v[1], v[2], v[3]);
-    if (scaled)
-      for (auto& e : v) e = sd::Mul(e, sc);
-    Mv::Store(v[0], y.lo + 2 * q);
-    Mv::Store(v[1], y.lo + 2 * (q + s));
-    Mv::Store(v[2], y.hi + 2 * q);
-    Mv::Store(v[3], y.hi + 2 * (q + s));
-  }
-}
-template <class T, bool kInv, class Mv>
-VSP_FFT_INLINE void LastR8(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
-  for (long long q = 0; q < s; q += Mv::kStep) {
-    sd::Vec<T> v[8];
-    for (int j = 0; j < 4; ++j) v[j] = Mv::Load(x.lo + 2 * (q + j * s)), v[j + 4] = Mv::Load(x.hi + 2 * (q + j * s));
-    Bfly8<kInv, T>(v);
-    for (int j = 0; j < 4; ++j) {
-      if (scaled) v[j] = sd::Mul(v[j], sc), v[j + 4] = sd::Mul(v[j + 4], sc);
+    sd::Vec<T> v[kR];
+    for (int j = 0; j < kH; ++j) v[j] = Mv::Load(x.lo + 2 * (q + j * s)), v[j + kH] = Mv::Load(x.hi + 2 * (q + j * s));
+    DftInRegs<kInv, kR, T>(v);
+    for (int j = 0; j < kH; ++j) {
+      if (scaled) v[j] = sd::Mul(v[j], sc), v[j + kH] = sd::Mul(v[j + kH], sc);
       Mv::Store(v[j], y.lo + 2 * (q + j * s));
-      Mv::Store(v[j + 4], y.hi + 2 * (q + j * s));
+      Mv::Store(v[j + kH], y.hi + 2 * (q + j * s));
     }
   }
 }
@@ -257,8 +201,8 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
   long long n = n0, s = 1;
   for (int i = 0; i + 1 < PassCount(order); ++i) {
     const int lg = PassLog(order, i);
-    if (lg == 3) ownsFFTPassR8<T, kInv>(cur, target, n, s, tw);
-    else ownsFFTPassR4<T, kInv>(cur, target, n, s, tw);
+    if (lg == 3) ownsFFTPass<T, kInv, 8>(cur, target, n, s, tw);
+    else ownsFFTPass<T, kInv, 4>(cur, target, n, s, tw);
     tw += 2 * (n - (n >> lg));
     n >>= lg;
     s <<= lg;
@@ -267,11 +211,11 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
   }
   const bool wide = s >= sd::kPairs<T>;
   if (n == 8) {
-    if (wide) LastR8<T, kInv, PairV<T>>(cur, out, s, scaled, sc);
-    else LastR8<T, kInv, Pair1<T>>(cur, out, s, scaled, sc);
+    if (wide) LastPass<T, kInv, 8, PairV<T>>(cur, out, s, scaled, sc);
+    else LastPass<T, kInv, 8, Pair1<T>>(cur, out, s, scaled, sc);
   } else {
-    if (wide) LastR4<T, kInv, PairV<T>>(cur, out, s, scaled, sc);
-    else LastR4<T, kInv, Pair1<T>>(cur, out, s, scaled, sc);
+    if (wide) LastPass<T, kInv, 4, PairV<T>>(cur, out, s, scaled, sc);
+    else LastPass<T, kInv, 4, Pair1<T>>(cur, out, s, scaled, sc);
   }
 }
 
@@ -408,8 +352,8 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
       const long long lo = v & ((1LL << bl) - 1), hi = v >> bl;
       const T* src = d.At(j * n2 + c0);
       T* dst = work + 2 * j * cols;
-      const T* a = tabA + 2 * ((lo - 1) * n2 + c0);
-      const T* bb = tabB + 2 * ((hi - 1) * n2 + c0);
+      const T* a = lo ? tabA + 2 * ((lo - 1) * n2 + c0) : nullptr;
+      const T* bb = hi ? tabB + 2 * ((hi - 1) * n2 + c0) : nullptr;
       for (long long t = 0; t < cols; t += sd::kPairs<T>) {
         V x = sd::LoadU(src + 2 * t);
         if (lo) x = sd::MulTwiddle<kInv>(x, sd::LoadU(a + 2 * t));
@@ -535,6 +479,26 @@ template <class T> struct RecTable {
   }
 };
 
+// The pairs (k, M - k), 1 <= k < M/2, of a recombination in place on M complex values: `pair`
+// maps the values at k and M - k and the twiddle of k to the new values.
+template <class T, class Pair> VSP_FFT_INLINE void RecombinePairs(T* z, long long m, RecTable<T> tw, Pair pair) {
+  using V = sd::Vec<T>;
+  constexpr int P = sd::kPairs<T>;
+  long long k = 1;
+  for (; k + P <= m / 2; k += P) {
+    V a, b;
+    pair(sd::LoadU(z + 2 * k), sd::ReversePairs(sd::LoadU(z + 2 * (m - k - P + 1))), tw.Get(k), a, b);
+    sd::StoreU(a, z + 2 * k);
+    sd::StoreU(sd::ReversePairs(b), z + 2 * (m - k - P + 1));
+  }
+  for (; k < m / 2; ++k) {
+    V a, b;
+    pair(sd::Load1(z + 2 * k), sd::Load1(z + 2 * (m - k)), tw.Get(k), a, b);
+    sd::Store1(a, z + 2 * k);
+    sd::Store1(b, z + 2 * (m - k));
+  }
+}
+
 // Forward recombination in place on the M = N/2 complex results Z of the half-length transform:
 // X(k) = A/2 + U_k B, X(M - k) = conj(A/2 - U_k B) with A = Z(k) + conj Z(M - k), B = Z(k) -
 // conj Z(M - k); X(M/2) = conj Z(M/2); slot 0 becomes (X(0), X(M)) = (Re Z0 + Im Z0, Re Z0 -
@@ -542,28 +506,14 @@ template <class T> struct RecTable {
 template <class T>
 void ownsFFTRecombineFwd(T* z, long long m, RecTable<T> tw, bool scaled, T scale) {
   using V = sd::Vec<T>;
-  constexpr int P = sd::kPairs<T>;
   const V half = sd::Set1<T>(T(0.5)), sc = sd::Set1<T>(scale);
-  auto pairs = [&](V zk, V zm, V u, V& xk, V& xm) {
+  RecombinePairs(z, m, tw, [&](V zk, V zm, V u, V& xk, V& xm) {
     zm = sd::Conj(zm);
     V a = sd::Mul(sd::Add(zk, zm), half), c = sd::MulComplex(sd::Sub(zk, zm), u);
     xk = sd::Add(a, c);
     xm = sd::Conj(sd::Sub(a, c));
     if (scaled) xk = sd::Mul(xk, sc), xm = sd::Mul(xm, sc);
-  };
-  long long k = 1;
-  for (; k + P <= m / 2; k += P) {
-    V xk, xm;
-    pairs(sd::LoadU(z + 2 * k), sd::ReversePairs(sd::LoadU(z + 2 * (m - k - P + 1))), tw.Get(k), xk, xm);
-    sd::StoreU(xk, z + 2 * k);
-    sd::StoreU(sd::ReversePairs(xm), z + 2 * (m - k - P + 1));
-  }
-  for (; k < m / 2; ++k) {
-    V xk, xm;
-    pairs(sd::Load1(z + 2 * k), sd::Load1(z + 2 * (m - k)), tw.Get(k), xk, xm);
-    sd::Store1(xk, z + 2 * k);
-    sd::Store1(xm, z + 2 * (m - k));
-  }
+  });
   V mid = sd::Conj(sd::Load1(z + m));
   sd::Store1(scaled ? sd::Mul(mid, sc) : mid, z + m);
   const T re = z[0], im = z[1];
@@ -578,26 +528,12 @@ void ownsFFTRecombineFwd(T* z, long long m, RecTable<T> tw, bool scaled, T scale
 template <class T>
 void ownsFFTRecombineInv(T* z, long long m, RecTable<T> tw) {
   using V = sd::Vec<T>;
-  constexpr int P = sd::kPairs<T>;
-  auto pairs = [&](V xk, V xm, V v, V& zk, V& zm) {
+  RecombinePairs(z, m, tw, [](V xk, V xm, V v, V& zk, V& zm) {
     xm = sd::Conj(xm);
     V a = sd::Add(xk, xm), d = sd::MulComplex(sd::Sub(xk, xm), v);
     zk = sd::Add(a, d);
     zm = sd::Conj(sd::Sub(a, d));
-  };
-  long long k = 1;
-  for (; k + P <= m / 2; k += P) {
-    V zk, zm;
-    pairs(sd::LoadU(z + 2 * k), sd::ReversePairs(sd::LoadU(z + 2 * (m - k - P + 1))), tw.Get(k), zk, zm);
-    sd::StoreU(zk, z + 2 * k);
-    sd::StoreU(sd::ReversePairs(zm), z + 2 * (m - k - P + 1));
-  }
-  for (; k < m / 2; ++k) {
-    V zk, zm;
-    pairs(sd::Load1(z + 2 * k), sd::Load1(z + 2 * (m - k)), tw.Get(k), zk, zm);
-    sd::Store1(zk, z + 2 * k);
-    sd::Store1(zm, z + 2 * (m - k));
-  }
+  });
   V mid = sd::Conj(sd::Load1(z + m));
   sd::Store1(sd::Add(mid, mid), z + m);
   const T x0 = z[0], xm = z[1];
