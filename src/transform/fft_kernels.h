@@ -330,10 +330,27 @@ template <class T> struct LargePlan {
   const T* rowTw;  // Stockham twiddles of the innermost rows
 };
 
+// Two radix-2 steps across rows at distances h and 2h (rows x0..x3 at 0, h, 2h, 3h): the
+// first with twiddle wa = W_2h^j, the second with wb = W_4h^j (and -i wb), in place.
+template <bool kInv, class V> VSP_FFT_INLINE void Bfly22(V& x0, V& x1, V& x2, V& x3, V wa, V wb) {
+  x1 = sd::MulTwiddle<kInv>(x1, wa);
+  x3 = sd::MulTwiddle<kInv>(x3, wa);
+  V a0 = sd::Add(x0, x1), a1 = sd::Sub(x0, x1);
+  V a2 = sd::MulTwiddle<kInv>(sd::Add(x2, x3), wb);
+  V a3 = sd::MulRot<kInv>(sd::MulTwiddle<kInv>(sd::Sub(x2, x3), wb));
+  x0 = sd::Add(a0, a2), x2 = sd::Sub(a0, a2), x1 = sd::Add(a1, a3), x3 = sd::Sub(a1, a3);
+}
+
+// The column pass of one level: batches of `cols` columns; row j (holding the decimated
+// sequence n1 = rev_b(j)) is multiplied by W_N^(n1 k2) while it is gathered into the work
+// buffer together with the first radix-2x2 step across the rows (consecutive rows, no
+// twiddles); further steps run in the work buffer, and the last one writes the rows back in
+// natural order, scaled when asked. The block order b is even.
 template <class T, bool kInv>
 void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work, long long workPairs, bool scaled,
                   T scale) {
   using V = sd::Vec<T>;
+  constexpr int P = sd::kPairs<T>;
   const int b = lv.block, r = lv.order - b, bl = LoBits(b);
   const long long n1 = 1LL << b, n2 = 1LL << r;
   const T* tabA = reinterpret_cast<const T*>(pl.base + lv.offA);
@@ -345,66 +362,57 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
   if (cols > n2) cols = n2;
   const V sc = sd::Set1<T>(scale);
   for (long long c0 = 0; c0 < n2; c0 += cols) {
-    // Gather row j (holding n1 = rev_b(j)) times W_N^(n1 k2).
-    for (long long j = 0; j < n1; ++j) {
-      long long v = 0;
-      for (int i = 0; i < b; ++i) v |= ((j >> i) & 1) << (b - 1 - i);
-      const long long lo = v & ((1LL << bl) - 1), hi = v >> bl;
-      const T* src = d.At(j * n2 + c0);
-      T* dst = work + 2 * j * cols;
-      const T* a = lo ? tabA + 2 * ((lo - 1) * n2 + c0) : nullptr;
-      const T* bb = hi ? tabB + 2 * ((hi - 1) * n2 + c0) : nullptr;
-      for (long long t = 0; t < cols; t += sd::kPairs<T>) {
-        V x = sd::LoadU(src + 2 * t);
-        if (lo) x = sd::MulTwiddle<kInv>(x, sd::LoadU(a + 2 * t));
-        if (hi) x = sd::MulTwiddle<kInv>(x, sd::LoadU(bb + 2 * t));
-        sd::Store(x, dst + 2 * t);
+    for (long long g = 0; g < n1; g += 4) {
+      const T* src[4];
+      const T* fa[4];
+      const T* fb[4];
+      for (int i = 0; i < 4; ++i) {
+        long long v = 0;
+        for (int bit = 0; bit < b; ++bit) v |= ((g + i) >> bit & 1) << (b - 1 - bit);
+        const long long lo = v & ((1LL << bl) - 1), hi = v >> bl;
+        src[i] = d.At((g + i) * n2 + c0);
+        fa[i] = lo ? tabA + 2 * ((lo - 1) * n2 + c0) : nullptr;
+        fb[i] = hi ? tabB + 2 * ((hi - 1) * n2 + c0) : nullptr;
       }
-    }
-    // Transforms across the rows: input in bit-reversed row order, output natural.
-    long long h = 1;
-    if (b & 1) {
-      for (long long g = 0; g < n1; g += 2) {
-        T* r0 = work + 2 * g * cols;
-        T* r1 = r0 + 2 * cols;
-        for (long long t = 0; t < cols; t += sd::kPairs<T>) {
-          V u = sd::Load(r0 + 2 * t), w = sd::Load(r1 + 2 * t);
-          sd::Store(sd::Add(u, w), r0 + 2 * t);
-          sd::Store(sd::Sub(u, w), r1 + 2 * t);
+      T* w0 = work + 2 * g * cols;
+      for (long long t = 0; t < cols; t += P) {
+        V x[4];
+        for (int i = 0; i < 4; ++i) {
+          x[i] = sd::LoadU(src[i] + 2 * t);
+          if (fa[i]) x[i] = sd::MulTwiddle<kInv>(x[i], sd::LoadU(fa[i] + 2 * t));
+          if (fb[i]) x[i] = sd::MulTwiddle<kInv>(x[i], sd::LoadU(fb[i] + 2 * t));
         }
+        V a0 = sd::Add(x[0], x[1]), a1 = sd::Sub(x[0], x[1]);
+        V a2 = sd::Add(x[2], x[3]), a3 = sd::MulRot<kInv>(sd::Sub(x[2], x[3]));
+        sd::Store(sd::Add(a0, a2), w0 + 2 * t);
+        sd::Store(sd::Add(a1, a3), w0 + 2 * (cols + t));
+        sd::Store(sd::Sub(a0, a2), w0 + 2 * (2 * cols + t));
+        sd::Store(sd::Sub(a1, a3), w0 + 2 * (3 * cols + t));
       }
-      h = 2;
     }
-    for (; h < n1; h *= 4) {
+    for (long long h = 4; h < n1; h *= 4) {
+      const bool last = 4 * h == n1;
       for (long long jj = 0; jj < h; ++jj) {
         const V wa = sd::LoadBroadcast1(small + 2 * (jj * (n1 / (2 * h))));
         const V wb = sd::LoadBroadcast1(small + 2 * (jj * (n1 / (4 * h))));
         for (long long g = 0; g < n1; g += 4 * h) {
-          T* r0 = work + 2 * (g + jj) * cols;
-          T* r1 = r0 + 2 * h * cols;
-          T* r2 = r1 + 2 * h * cols;
-          T* r3 = r2 + 2 * h * cols;
-          for (long long t = 0; t < cols; t += sd::kPairs<T>) {
-            V x0 = sd::Load(r0 + 2 * t), x1 = sd::MulTwiddle<kInv>(sd::Load(r1 + 2 * t), wa);
-            V x2 = sd::Load(r2 + 2 * t), x3 = sd::MulTwiddle<kInv>(sd::Load(r3 + 2 * t), wa);
-            V a0 = sd::Add(x0, x1), a1 = sd::Sub(x0, x1);
-            V a2 = sd::MulTwiddle<kInv>(sd::Add(x2, x3), wb);
-            V a3 = sd::MulRot<kInv>(sd::MulTwiddle<kInv>(sd::Sub(x2, x3), wb));
-            sd::Store(sd::Add(a0, a2), r0 + 2 * t);
-            sd::Store(sd::Sub(a0, a2), r2 + 2 * t);
-            sd::Store(sd::Add(a1, a3), r1 + 2 * t);
-            sd::Store(sd::Sub(a1, a3), r3 + 2 * t);
+          T* in[4];
+          T* out[4];
+          for (int i = 0; i < 4; ++i) {
+            in[i] = work + 2 * (g + jj + i * h) * cols;
+            out[i] = last ? d.At((g + jj + i * h) * n2 + c0) : in[i];
+          }
+          for (long long t = 0; t < cols; t += P) {
+            V x0 = sd::Load(in[0] + 2 * t), x1 = sd::Load(in[1] + 2 * t), x2 = sd::Load(in[2] + 2 * t),
+              x3 = sd::Load(in[3] + 2 * t);
+            Bfly22<kInv>(x0, x1, x2, x3, wa, wb);
+            if (last && scaled) x0 = sd::Mul(x0, sc), x1 = sd::Mul(x1, sc), x2 = sd::Mul(x2, sc), x3 = sd::Mul(x3, sc);
+            sd::StoreU(x0, out[0] + 2 * t);
+            sd::StoreU(x1, out[1] + 2 * t);
+            sd::StoreU(x2, out[2] + 2 * t);
+            sd::StoreU(x3, out[3] + 2 * t);
           }
         }
-      }
-    }
-    // Scatter row k1 to its place.
-    for (long long k1 = 0; k1 < n1; ++k1) {
-      const T* src = work + 2 * k1 * cols;
-      T* dst = d.At(k1 * n2 + c0);
-      for (long long t = 0; t < cols; t += sd::kPairs<T>) {
-        V x = sd::Load(src + 2 * t);
-        sd::StoreU(scaled ? sd::Mul(x, sc) : x, dst + 2 * t);
       }
     }
   }
