@@ -141,6 +141,6 @@ template <class T> Built<T> Build(Kind kind, int order, int flag, size_t mis = 0
 template <class T> size_t Mis(size_t bytes) { return bytes / sizeof(T) * sizeof(T) % 16; }
 
 // Highest order the accuracy sweeps reach in this build.
-inline int MaxTestedOrder() { return kSanitized ? 16 : 20; }
+inline int MaxTestedOrder() { return kSanitized ? 18 : 20; }
 
 }  // namespace vsptest

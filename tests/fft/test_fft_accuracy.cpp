@@ -1,4 +1,4 @@
-// Every FFT member at every order up to 2^20 (2^16 under the sanitizers) against a long-double
+// Every FFT member at every order up to 2^20 (2^18 under the sanitizers) against a long-double
 // reference: relative RMS error below 2 eps log2 N, maximum error below 8 eps log2 N (relative
 // to the reference's RMS); the scaled flags equal the unscaled result times the factor.
 #include <algorithm>
