@@ -175,7 +175,7 @@ void RunComplex(const SpecHeader<T>* h, int c, Halves<T> in, Halves<T> out, Vsp8
   if (c <= 5) {
     ownsFFTDirect<T, kInv>(c, in, out, scaled, scale);
   } else if (c <= Prec<T>::kSingleMax) {
-    ownsFFTStockham<T, kInv>(c, h->twiddle, in, out, Whole(work, 1LL << c), scaled, scale);
+    ownsFFTSingle<T, kInv>(c, h->twiddle, in, out, Whole(work, 1LL << c), scaled, scale);
   } else {
     const bool inPlace = in.lo == out.lo;
     if (inPlace) ownsFFTBitRev(in, out, c, RevTable(h->bitRev, c));

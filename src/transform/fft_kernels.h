@@ -234,8 +234,12 @@ template <class T, int kOrder> struct SmallTwiddles {
 template <class T> inline constexpr SmallTwiddles<T, 4> kSmallTw4{};
 template <class T> inline constexpr SmallTwiddles<T, 5> kSmallTw5{};
 
-// Direct transforms of 1 .. 32 points: no tables beyond the constant ones, a stack buffer, the
-// passes unrolled for each order.
+// Transforms with the order fixed at compile time, so that every pass is unrolled: the direct
+// kernels of 1 .. 32 points (constant twiddles, a stack buffer) and the small tabled orders.
+template <class T, bool kInv, int kOrder>
+void StockhamN(const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  StockhamPasses<T, kInv>(kOrder, tw, in, out, tmp, scaled, scale);
+}
 template <class T, bool kInv, int kOrder>
 void DirectN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   alignas(16) T buf[2 << kOrder];
@@ -256,6 +260,15 @@ void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale)
     case 3: return DirectN<T, kInv, 3>(in, out, scaled, scale);
     case 4: return DirectN<T, kInv, 4>(in, out, scaled, scale);
     default: return DirectN<T, kInv, 5>(in, out, scaled, scale);
+  }
+}
+// A single-level transform with the spec's twiddles; orders 6 and 7 unrolled.
+template <class T, bool kInv>
+void ownsFFTSingle(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  switch (order) {
+    case 6: return StockhamN<T, kInv, 6>(tw, in, out, tmp, scaled, scale);
+    case 7: return StockhamN<T, kInv, 7>(tw, in, out, tmp, scaled, scale);
+    default: return ownsFFTStockham<T, kInv>(order, tw, in, out, tmp, scaled, scale);
   }
 }
 

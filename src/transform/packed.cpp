@@ -65,19 +65,23 @@ template <class T> VspStatus MulOut(Lay lay, const T* src1, const T* src2, T* ds
 }
 
 // Expansion to N complex values. Out of place: bins 0 .. N/2 copied (for CCS whole, for Pack
-// and Perm from the layout's places with 0 imaginary parts for the real bins), then mirrored.
-template <class T> void Mirror(T* y, long long n) {
-  for (long long k = 1; k <= (n - 1) / 2; ++k) {
-    y[2 * (n - k)] = y[2 * k];
-    y[2 * (n - k) + 1] = -y[2 * k + 1];
-  }
+// and Perm from the layout's places with 0 imaginary parts for the real bins), then mirrored:
+// Y(N - k) = conj Y(k) for k = 1 .. (N-1)/2, a whole vector of bins at a time (the two ranges
+// never overlap).
+template <class T> void ownsMirror(T* y, long long n) {
+  constexpr int P = sd::kPairs<T>;
+  const long long h = (n - 1) / 2;
+  long long k = 1;
+  for (; k + P - 1 <= h; k += P)
+    sd::StoreU(sd::ReversePairs(sd::Conj(sd::LoadU(y + 2 * k))), y + 2 * (n - k - P + 1));
+  for (; k <= h; ++k) sd::Store1(sd::Conj(sd::Load1(y + 2 * k)), y + 2 * (n - k));
 }
 
 template <class T> VspStatus ExpandInPlace(Lay lay, T* y, int len) {
   if (VspStatus st = CheckVec(len, y)) return st;
   const long long n = len, h = (n - 1) / 2;
   if (lay == Lay::Ccs) {
-    Mirror(y, n);
+    ownsMirror(y, n);
     return vspStatOk;
   }
   const long long nyq = NyquistAt(lay, n);
@@ -86,16 +90,10 @@ template <class T> VspStatus ExpandInPlace(Lay lay, T* y, int len) {
     y[n] = v;
     y[n + 1] = 0;
   }
-  if (PairStart(lay, n) == 1) {
-    // Each pair moves up by one value, highest bin first, its mirror written with it.
-    for (long long k = h; k >= 1; --k) {
-      const T re = y[2 * k - 1], im = y[2 * k];
-      y[2 * k] = re, y[2 * k + 1] = im;
-      y[2 * (n - k)] = re, y[2 * (n - k) + 1] = -im;
-    }
-  } else {
-    Mirror(y, n);
-  }
+  // Where the pairs stand one value below their complex slots (Pack, Perm of odd N), they
+  // move up by one value first.
+  if (PairStart(lay, n) == 1) std::memmove(y + 2, y + 1, 2 * h * sizeof(T));
+  ownsMirror(y, n);
   y[1] = 0;
   return vspStatOk;
 }
@@ -111,7 +109,7 @@ template <class T> VspStatus ExpandOut(Lay lay, const T* x, T* y, int len) {
     std::memcpy(y + 2, x + PairStart(lay, n), 2 * h * sizeof(T));
     if (const long long nyq = NyquistAt(lay, n); nyq >= 0) y[n] = x[nyq], y[n + 1] = 0;
   }
-  Mirror(y, n);
+  ownsMirror(y, n);
   return vspStatOk;
 }
 

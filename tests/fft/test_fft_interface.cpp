@@ -294,13 +294,15 @@ TEST(FftInterface, EveryMisalignmentAndReadOnlySpec) {
     using F = Fft<T>;
     using Tc = typename F::Tc;
     const int big = sizeof(T) == 8 ? 15 : 17;  // first order of the blocked plan
-    for (int order : {5, 6, 11, big}) {
+    for (int order : {5, 6, 7, 11, 14, big, big + 2}) {
       const size_t n = size_t{1} << order;
       std::vector<T> in(2 * n + 2);
       Rng rng(order);
       for (auto& v : in) v = static_cast<T>(rng.Uniform(-1, 1));
       std::vector<T> refC, refR;
-      for (int mis = 0; mis < 64; mis += kSanitized ? 7 : 1) {
+      // Every offset for the orders below 12; a spread of them for the larger ones.
+      const int step = order < 12 ? (kSanitized ? 7 : 1) : 9;
+      for (int mis = 0; mis < 64; mis += step) {
         SCOPED_TRACE(std::string(TypeName<T>()) + " order " + std::to_string(order) + " misalignment " + std::to_string(mis));
         int sc[3], sr[3];
         ASSERT_EQ(F::GetSizeC(order, 4, vspAlgHintNone, &sc[0], &sc[1], &sc[2]), 0);
@@ -312,6 +314,14 @@ TEST(FftInterface, EveryMisalignmentAndReadOnlySpec) {
         };
         GuardedVec<Vsp8u> specC(sc[0] + 64), initC(sc[1] + 64), workC(sc[2] + 64);
         GuardedVec<Vsp8u> specR(sr[0] + 64), initR(sr[1] + 64), workR(sr[2] + 64);
+        // The bytes past each block of the reported size carry a pattern that must survive.
+        auto mark = [&](GuardedVec<Vsp8u>& g, int size) {
+          std::fill(at(g) + size, g.data() + g.size(), Vsp8u{0xCD});
+        };
+        auto marked = [&](GuardedVec<Vsp8u>& g, int size) {
+          return std::all_of(at(g) + size, g.data() + g.size(), [](Vsp8u v) { return v == 0xCD; });
+        };
+        mark(specC, sc[0]), mark(initC, sc[1]), mark(workC, sc[2]), mark(specR, sr[0]), mark(initR, sr[1]), mark(workR, sr[2]);
         typename F::SpecC* pc = nullptr;
         typename F::SpecR* pr = nullptr;
         ASSERT_EQ(F::InitC(&pc, order, 4, vspAlgHintNone, at(specC), sc[1] ? at(initC) : nullptr), 0);
@@ -327,6 +337,8 @@ TEST(FftInterface, EveryMisalignmentAndReadOnlySpec) {
         ASSERT_EQ(outR, refR);
         ASSERT_TRUE(std::equal(specBytes.begin(), specBytes.end(), at(specC))) << "complex spec written";
         ASSERT_TRUE(std::equal(specRBytes.begin(), specRBytes.end(), at(specR))) << "real spec written";
+        ASSERT_TRUE(marked(specC, sc[0]) && marked(initC, sc[1]) && marked(workC, sc[2])) << "complex: beyond a block";
+        ASSERT_TRUE(marked(specR, sr[0]) && marked(initR, sr[1]) && marked(workR, sr[2])) << "real: beyond a block";
         ASSERT_TRUE(specC.OutsideIntact() && initC.OutsideIntact() && workC.OutsideIntact());
         ASSERT_TRUE(specR.OutsideIntact() && initR.OutsideIntact() && workR.OutsideIntact());
       }
