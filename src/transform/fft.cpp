@@ -96,13 +96,7 @@ template <class T> void BuildRecombination(SpecHeader<T>* h, Bump& bump, int k, 
   for (int dir = 0; dir < 2; ++dir) {
     T* t = bump.Take<T>(2 * (first + second));
     (dir == 0 ? h->recFwd : h->recInv) = t;
-    for (long long j = 0; j < first; ++j) {
-      T wr, wi;
-      src.Twiddle(j, n, wr, wi);
-      // U = -i W / 2 = (wi / 2, -wr / 2); V = i conj W = (wi, wr).
-      t[2 * j] = dir == 0 ? wi * T(0.5) : wi;
-      t[2 * j + 1] = dir == 0 ? -wr * T(0.5) : wr;
-    }
+    ownsFFTFillRec(t, first, n, dir == 1, src);
     for (long long j = 0; j < second; ++j) {
       T wr, wi;
       src.Twiddle(j * P::kRecFactor, n, wr, wi);
@@ -266,38 +260,6 @@ VspStatus Split(uint32_t id, const T* srcRe, const T* srcIm, T* dstRe, T* dstIm,
   return vspStatOk;
 }
 
-// Real transforms of the direct orders: through a complex transform of N points on the stack.
-// bins: X(0..N/2) as complex values.
-template <class T> void WriteLayout(const T* bins, T* dst, long long n, Layout lay, bool scaled, T scale) {
-  auto s = [&](T v) { return scaled ? v * scale : v; };
-  if (lay == Layout::CCS) {
-    for (long long k = 0; k <= n / 2; ++k) dst[2 * k] = s(bins[2 * k]), dst[2 * k + 1] = s(bins[2 * k + 1]);
-    dst[1] = 0;
-    if (n % 2 == 0) dst[n + 1] = 0;
-    return;
-  }
-  const long long h = (n - 1) / 2, pairAt = (lay == Layout::Perm && n % 2 == 0) ? 2 : 1;
-  dst[0] = s(bins[0]);
-  for (long long k = 1; k <= h; ++k) dst[pairAt + 2 * (k - 1)] = s(bins[2 * k]), dst[pairAt + 2 * (k - 1) + 1] = s(bins[2 * k + 1]);
-  if (n % 2 == 0 && n > 1) dst[lay == Layout::Perm ? 1 : n - 1] = s(bins[n]);
-}
-// The full spectrum Y(0..N-1) of a layout.
-template <class T> void ReadLayout(const T* src, T* full, long long n, Layout lay) {
-  const long long h = (n - 1) / 2;
-  full[0] = src[0];
-  full[1] = 0;
-  const long long pairAt = lay == Layout::CCS ? 2 : (lay == Layout::Perm && n % 2 == 0) ? 2 : 1;
-  for (long long k = 1; k <= h; ++k) {
-    const T re = src[pairAt + 2 * (k - 1)], im = src[pairAt + 2 * (k - 1) + 1];
-    full[2 * k] = re, full[2 * k + 1] = im;
-    full[2 * (n - k)] = re, full[2 * (n - k) + 1] = -im;
-  }
-  if (n % 2 == 0 && n > 1) {
-    full[n] = lay == Layout::CCS ? src[n] : lay == Layout::Perm ? src[1] : src[n - 1];
-    full[n + 1] = 0;
-  }
-}
-
 template <class T, bool kInv>
 VspStatus Real(uint32_t id, Layout lay, const T* src, T* dst, const void* spec, Vsp8u* buf) {
   if (VspStatus st = CheckCall<T>(spec, id, buf, src, dst)) return st;
@@ -305,23 +267,27 @@ VspStatus Real(uint32_t id, Layout lay, const T* src, T* dst, const void* spec, 
   const int k = h->order;
   const long long n = 1LL << k, m = n / 2;
   const bool scaled = Scaled(h, kInv);
-  if (k <= Prec<T>::kRealDirectMax) {
-    alignas(16) T tmp[2 * 32];
-    if (kInv) {
-      ReadLayout(src, tmp, n, lay);
-      ownsFFTDirect<T, true>(k, Whole(tmp, n), Whole(tmp, n), scaled, h->scale);
-      for (long long i = 0; i < n; ++i) dst[i] = tmp[2 * i];
-    } else {
-      for (long long i = 0; i < n; ++i) tmp[2 * i] = src[i], tmp[2 * i + 1] = 0;
-      ownsFFTDirect<T, false>(k, Whole(tmp, n), Whole(tmp, n), false, T(0));
-      WriteLayout(tmp, dst, n, lay, scaled, h->scale);
-    }
+  auto sc = [&](T v) { return scaled ? v * h->scale : v; };
+  if (k == 0) {  // X0 = x0, x0 = X0
+    dst[0] = sc(src[0]);
+    if (!kInv && lay == Layout::CCS) dst[1] = 0;
     return vspStatOk;
   }
-  const long long f = k >= Prec<T>::kRealFactorFrom ? Prec<T>::kRecFactor : 0;
+  if (k == 1) {  // X0 = x0 + x1, X1 = x0 - x1, and the same inverse
+    const T a = src[0], b = src[lay == Layout::CCS && kInv ? 2 : 1];
+    dst[0] = sc(a + b);
+    if (!kInv && lay == Layout::CCS) dst[1] = 0, dst[3] = 0;
+    dst[!kInv && lay == Layout::CCS ? 2 : 1] = sc(a - b);
+    return vspStatOk;
+  }
+  // Orders up to the direct limit use constant recombination tables and a direct half transform.
+  const bool direct = k <= Prec<T>::kRealDirectMax;
+  const long long f = !direct && k >= Prec<T>::kRealFactorFrom ? Prec<T>::kRecFactor : 0;
+  const RecTable<T> fwdTw{direct ? SmallRecTable<T>(k, false) : h->recFwd, f};
+  const RecTable<T> invTw{direct ? SmallRecTable<T>(k, true) : h->recInv, f};
   if (!kInv) {
     RunComplex<T, false>(h, k - 1, Whole(const_cast<T*>(src), m), Whole(dst, m), buf, false, T(0));
-    ownsFFTRecombineFwd(dst, m, RecTable<T>{h->recFwd, f}, scaled, h->scale);
+    ownsFFTRecombineFwd(dst, m, fwdTw, scaled, h->scale);
     if (lay == Layout::Pack) {
       const T nyq = dst[1];
       std::memmove(dst + 1, dst + 2, (n - 2) * sizeof(T));
@@ -338,7 +304,7 @@ VspStatus Real(uint32_t id, Layout lay, const T* src, T* dst, const void* spec, 
   else if (src != dst) std::memcpy(dst + 2, src + 2, (n - 2) * sizeof(T));
   dst[0] = x0;
   dst[1] = nyq;
-  ownsFFTRecombineInv(dst, m, RecTable<T>{h->recInv, f});
+  ownsFFTRecombineInv(dst, m, invTw);
   RunComplex<T, true>(h, k - 1, Whole(dst, m), Whole(dst, m), buf, scaled, h->scale);
   return vspStatOk;
 }

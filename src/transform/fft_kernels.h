@@ -2,13 +2,14 @@
 // complex values interleaved as (re, im) pairs of T) and the direction (kInv: the inverse
 // uses conjugated twiddles and the opposite quarter-turn).
 //
-// Single-level transforms are Stockham autosort passes: radix-4 passes with twiddles, then one
-// twiddle-free radix-4 or radix-8 pass, ping-ponging between the destination and a work
-// buffer, so no bit reversal is needed. Large transforms (orders above the single-level range)
-// run in place on the destination: a blocked bit-reversal permutation, a transform of every
-// row of 2^r points (r = order - b), and a pass over batches of columns that applies the
-// twiddles exp(-2 pi i n1 k2 / N) and the 2^b-point transforms across the rows in the work
-// buffer.
+// Single-level transforms are Stockham autosort passes: radix-8 passes with twiddles (one
+// radix-4 pass where the order needs it), then one twiddle-free radix-4 or radix-8 pass,
+// ping-ponging between the destination and a work buffer, so no bit reversal is needed. Large
+// transforms (orders above the single-level range) work on the destination with a work buffer
+// smaller than the data: 2^b rows of 2^r points (r = order - b) are put in place (gathered in
+// natural order from a separate source, or by a blocked bit-reversal permutation in place),
+// every row is transformed, and a pass over batches of columns applies the twiddles
+// exp(-2 pi i n1 k2 / N) and the 2^b-point transforms across the rows in the work buffer.
 //
 // Data is addressed through Halves: complex element i of an N-point array lies in `lo` for
 // i < N/2 and in `hi` (at i - N/2) above, so a split-complex caller can lend its two output
@@ -517,6 +518,38 @@ template <class T, class Pair> VSP_FFT_INLINE void RecombinePairs(T* z, long lon
     pair(sd::Load1(z + 2 * k), sd::Load1(z + 2 * (m - k)), tw.Get(k), a, b);
     sd::Store1(a, z + 2 * k);
     sd::Store1(b, z + 2 * (m - k));
+  }
+}
+
+// Fills the first `count` recombination twiddles of an n-point real transform: forward
+// U_j = -i W_n^j / 2 = (wi / 2, -wr / 2), inverse V_j = i conj W_n^j = (wi, wr).
+template <class T> constexpr void ownsFFTFillRec(T* t, long long count, long long n, bool inv, SineSource<T> src) {
+  for (long long j = 0; j < count; ++j) {
+    T wr, wi;
+    src.Twiddle(j, n, wr, wi);
+    t[2 * j] = inv ? wi : wi * T(0.5);
+    t[2 * j + 1] = inv ? wr : -wr * T(0.5);
+  }
+}
+// The whole tables of the real orders 2..5, which have no tables in their spec.
+template <class T, int kOrder> struct SmallRec {
+  static constexpr long long kN = 1LL << kOrder;
+  T fwd[kN / 2], inv[kN / 2];
+  constexpr SmallRec() : fwd(), inv() {
+    ownsFFTFillRec(fwd, kN / 4, kN, false, SineSource<T>{FixedTable<T>(), kFixedOrder});
+    ownsFFTFillRec(inv, kN / 4, kN, true, SineSource<T>{FixedTable<T>(), kFixedOrder});
+  }
+};
+template <class T> inline constexpr SmallRec<T, 2> kRec2{};
+template <class T> inline constexpr SmallRec<T, 3> kRec3{};
+template <class T> inline constexpr SmallRec<T, 4> kRec4{};
+template <class T> inline constexpr SmallRec<T, 5> kRec5{};
+template <class T> constexpr const T* SmallRecTable(int order, bool inv) {
+  switch (order) {
+    case 2: return inv ? kRec2<T>.inv : kRec2<T>.fwd;
+    case 3: return inv ? kRec3<T>.inv : kRec3<T>.fwd;
+    case 4: return inv ? kRec4<T>.inv : kRec4<T>.fwd;
+    default: return inv ? kRec5<T>.inv : kRec5<T>.fwd;
   }
 }
 
