@@ -191,38 +191,60 @@ VspStatus CToC(uint32_t id, const T* src, T* dst, const void* spec, Vsp8u* buf) 
 }
 
 // Split form: the two destination arrays serve as the interleaved array, in halves.
-// Interleaves x[0..h) and y[0..h) (the two halves of p[0..2h)) in place, using `work` (room
-// for `cap` values) for the pieces that fit, or the reverse.
+// p[2i] = a[i], p[2i + 1] = b[i] for i < n, and the reverse.
+template <class T> void ownsFFTInterleave(const T* a, const T* b, T* p, long long n) {
+  constexpr int kL = sd::kLanes<T>;
+  long long i = 0;
+  for (; i + kL <= n; i += kL) {
+    const sd::Vec<T> x = sd::LoadU(a + i), y = sd::LoadU(b + i);
+    sd::StoreU(sd::InterleaveLo(x, y), p + 2 * i);
+    sd::StoreU(sd::InterleaveHi(x, y), p + 2 * i + kL);
+  }
+  for (; i < n; ++i) p[2 * i] = a[i], p[2 * i + 1] = b[i];
+}
+template <class T> void ownsFFTDeinterleave(const T* p, T* a, T* b, long long n) {
+  constexpr int kL = sd::kLanes<T>;
+  long long i = 0;
+  for (; i + kL <= n; i += kL) {
+    const sd::Vec<T> x = sd::LoadU(p + 2 * i), y = sd::LoadU(p + 2 * i + kL);
+    sd::StoreU(sd::RealParts(x, y), a + i);
+    sd::StoreU(sd::ImagParts(x, y), b + i);
+  }
+  for (; i < n; ++i) a[i] = p[2 * i], b[i] = p[2 * i + 1];
+}
+template <class T> void SwapRanges(T* a, T* b, long long n) {
+  constexpr int kL = sd::kLanes<T>;
+  long long i = 0;
+  for (; i + kL <= n; i += kL) {
+    const sd::Vec<T> x = sd::LoadU(a + i), y = sd::LoadU(b + i);
+    sd::StoreU(y, a + i);
+    sd::StoreU(x, b + i);
+  }
+  for (; i < n; ++i) {
+    const T t = a[i];
+    a[i] = b[i];
+    b[i] = t;
+  }
+}
+// Interleaves the two halves x[0..h) and y[0..h) of p[0..2h) in place (or the reverse, unzip),
+// through `work` (room for `cap` values) once a piece fits: [x1 x2 | y1 y2] becomes
+// [x1 y1 | x2 y2] by one swap, and each half is zipped on its own.
 template <class T> void Zip(T* p, long long h, T* work, long long cap, bool unzip) {
   if (2 * h <= cap) {
     if (unzip) {
-      for (long long i = 0; i < h; ++i) work[i] = p[2 * i], work[h + i] = p[2 * i + 1];
+      ownsFFTDeinterleave(p, work, work + h, h);
       std::memcpy(p, work, 2 * h * sizeof(T));
     } else {
       std::memcpy(work, p, 2 * h * sizeof(T));
-      for (long long i = 0; i < h; ++i) p[2 * i] = work[i], p[2 * i + 1] = work[h + i];
+      ownsFFTInterleave(work, work + h, p, h);
     }
     return;
   }
   const long long q = h / 2;
-  auto swapMid = [&] {
-    for (long long i = 0; i < q; ++i) {
-      T t = p[q + i];
-      p[q + i] = p[h + i];
-      p[h + i] = t;
-    }
-  };
-  if (!unzip) swapMid();
+  if (!unzip) SwapRanges(p + q, p + h, q);
   Zip(p, q, work, cap, unzip);
   Zip(p + h, q, work, cap, unzip);
-  if (unzip) swapMid();
-}
-template <class T> void SwapRanges(T* a, T* b, long long n) {
-  for (long long i = 0; i < n; ++i) {
-    T t = a[i];
-    a[i] = b[i];
-    b[i] = t;
-  }
+  if (unzip) SwapRanges(p + q, p + h, q);
 }
 
 template <class T, bool kInv>
@@ -234,9 +256,9 @@ VspStatus Split(uint32_t id, const T* srcRe, const T* srcIm, T* dstRe, T* dstIm,
   const bool scaled = Scaled(h, kInv);
   if (c <= 5) {
     alignas(16) T tmp[64];
-    for (long long i = 0; i < n; ++i) tmp[2 * i] = srcRe[i], tmp[2 * i + 1] = srcIm[i];
+    ownsFFTInterleave(srcRe, srcIm, tmp, n);
     ownsFFTDirect<T, kInv>(c, Whole(tmp, n), Whole(tmp, n), scaled, h->scale);
-    for (long long i = 0; i < n; ++i) dstRe[i] = tmp[2 * i], dstIm[i] = tmp[2 * i + 1];
+    ownsFFTDeinterleave(tmp, dstRe, dstIm, n);
     return vspStatOk;
   }
   const long long half = n / 2;
@@ -247,10 +269,8 @@ VspStatus Split(uint32_t id, const T* srcRe, const T* srcIm, T* dstRe, T* dstIm,
     Zip(dstRe, half, work, cap, false);
     Zip(dstIm, half, work, cap, false);
   } else {
-    for (long long i = 0; i < half; ++i) {
-      T r0 = srcRe[i], i0 = srcIm[i], r1 = srcRe[half + i], i1 = srcIm[half + i];
-      dstRe[2 * i] = r0, dstRe[2 * i + 1] = i0, dstIm[2 * i] = r1, dstIm[2 * i + 1] = i1;
-    }
+    ownsFFTInterleave(srcRe, srcIm, dstRe, half);
+    ownsFFTInterleave(srcRe + half, srcIm + half, dstIm, half);
   }
   const Halves<T> d{dstRe, dstIm, half};
   RunComplex<T, kInv>(h, c, d, d, buf, scaled, h->scale);
