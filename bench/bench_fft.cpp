@@ -1,11 +1,13 @@
 // FFT: complex (interleaved, out of place) and real (forward into Perm, out of place) transforms
 // of N = 2^4 .. 2^20 points in float and double, against FFTW 3 planned with FFTW_MEASURE for
-// the same precision and placement. Besides the time, each case reports the benchFFT figure
-// "mflops": 5 N log2 N / t for complex and 2.5 N log2 N / t for real transforms.
+// the same precision and placement; each case also reports the benchFFT figure "mflops":
+// 5 N log2 N / t for complex and 2.5 N log2 N / t for real transforms. The packed-spectrum
+// product and expansion run against plain loops.
 #include <cmath>
 #include <vector>
 
 #include "harness.h"
+#include "peers/fft.h"
 #ifdef VSP_BENCH_HAVE_FFTW
 #include <fftw3.h>
 #endif
@@ -105,7 +107,38 @@ template <class T, bool kReal> void RegisterCase(const std::string& name) {
 #endif
 }
 
+// Packed spectra: the Perm product and the expansion to a full spectrum, against plain loops.
+Body Product(void (*f)(const Vsp32f*, const Vsp32f*, Vsp32f*, long long)) {
+  return [f](benchmark::State& st, long long n) {
+    Buffer<Vsp32f> a(n), b(n), d(n);
+    for (auto _ : st) {
+      f(a.data, b.data, d.data, n);
+      benchmark::DoNotOptimize(d.data);
+      benchmark::ClobberMemory();
+    }
+  };
+}
+Body Expand(void (*f)(const Vsp32f*, Vsp32fc*, long long)) {
+  return [f](benchmark::State& st, long long n) {
+    Buffer<Vsp32f> x(n);
+    Buffer<Vsp32fc> y(n);
+    for (auto _ : st) {
+      f(x.data, y.data, n);
+      benchmark::DoNotOptimize(y.data);
+      benchmark::ClobberMemory();
+    }
+  };
+}
+
 const int kRegistered = [] {
+  const auto sizes = ByteSizes64ToMiB64(4);
+  Register("MulPerm_32f", "vsp", sizes, 12,
+           Product([](const Vsp32f* a, const Vsp32f* b, Vsp32f* d, long long n) { vspsMulPerm_32f(a, b, d, static_cast<int>(n)); }));
+  Register("MulPerm_32f", "loop", sizes, 12, Product(loop_sse3::MulPerm32f));
+  Register("MulPerm_32f", "native", sizes, 12, Product(loop_native::MulPerm32f));
+  Register("ConjPerm_32fc", "vsp", sizes, 12,
+           Expand([](const Vsp32f* x, Vsp32fc* y, long long n) { vspsConjPerm_32fc(x, y, static_cast<int>(n)); }));
+  Register("ConjPerm_32fc", "loop", sizes, 12, Expand(loop_sse3::ConjPerm32fc));
   RegisterCase<Vsp32f, false>("FFT_C_32fc");
   RegisterCase<Vsp64f, false>("FFT_C_64fc");
   RegisterCase<Vsp32f, true>("FFT_R_32f");
