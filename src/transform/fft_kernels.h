@@ -166,6 +166,155 @@ VSP_FFT_INLINE void LastPass(Halves<T> x, Halves<T> y, long long s, bool scaled,
   }
 }
 
+// ---- block passes ------------------------------------------------------------------------
+//
+// Between the first and the last pass, transforms large enough keep their data in blocks of
+// L = kLanes complex values: the L real parts, then the L imaginary parts, in the bytes the L
+// interleaved values would take. Complex arithmetic on blocks needs no shuffles (a quarter-turn
+// is a swap of the parts); the first pass converts from the interleaved input, transposing its
+// outputs into blocks, and the last pass converts back.
+
+template <class T> struct CV {
+  sd::Vec<T> re, im;
+};
+template <class T> VSP_FFT_INLINE CV<T> CAdd(CV<T> a, CV<T> b) { return {sd::Add(a.re, b.re), sd::Add(a.im, b.im)}; }
+template <class T> VSP_FFT_INLINE CV<T> CSub(CV<T> a, CV<T> b) { return {sd::Sub(a.re, b.re), sd::Sub(a.im, b.im)}; }
+// a * w (kConj: a * conj w), each product rounded, then one addition.
+template <bool kConj, class T> VSP_FFT_INLINE CV<T> CMul(CV<T> a, sd::Vec<T> wr, sd::Vec<T> wi) {
+  if constexpr (kConj) return {sd::Add(sd::Mul(a.re, wr), sd::Mul(a.im, wi)), sd::Sub(sd::Mul(a.im, wr), sd::Mul(a.re, wi))};
+  else return {sd::Sub(sd::Mul(a.re, wr), sd::Mul(a.im, wi)), sd::Add(sd::Mul(a.re, wi), sd::Mul(a.im, wr))};
+}
+// a * (-i) forward, a * i inverse.
+template <bool kInv, class T> VSP_FFT_INLINE CV<T> CRot(CV<T> a) {
+  if constexpr (kInv) return {sd::Neg(a.im), a.re};
+  else return {a.im, sd::Neg(a.re)};
+}
+// a * W8 forward ((re + im) h, (im - re) h), a * conj W8 inverse ((re - im) h, (im + re) h).
+template <bool kInv, class T> VSP_FFT_INLINE CV<T> CW8(CV<T> a, sd::Vec<T> h) {
+  if constexpr (kInv) return {sd::Mul(sd::Sub(a.re, a.im), h), sd::Mul(sd::Add(a.im, a.re), h)};
+  else return {sd::Mul(sd::Add(a.re, a.im), h), sd::Mul(sd::Sub(a.im, a.re), h)};
+}
+template <bool kInv, class T>
+VSP_FFT_INLINE void BlockBfly4(CV<T> a, CV<T> b, CV<T> c, CV<T> d, CV<T>& y0, CV<T>& y1, CV<T>& y2, CV<T>& y3) {
+  const CV<T> t0 = CAdd(a, c), t1 = CSub(a, c), t2 = CAdd(b, d), u = CSub(b, d);
+  y0 = CAdd(t0, t2);
+  y2 = CSub(t0, t2);
+  // t1 + rot(u) and t1 - rot(u), the quarter-turn folded into the additions.
+  if constexpr (kInv) {
+    y1 = {sd::Sub(t1.re, u.im), sd::Add(t1.im, u.re)};
+    y3 = {sd::Add(t1.re, u.im), sd::Sub(t1.im, u.re)};
+  } else {
+    y1 = {sd::Add(t1.re, u.im), sd::Sub(t1.im, u.re)};
+    y3 = {sd::Sub(t1.re, u.im), sd::Add(t1.im, u.re)};
+  }
+}
+template <bool kInv, int kR, class T> VSP_FFT_INLINE void BlockDft(CV<T>* v) {
+  if constexpr (kR == 4) {
+    BlockBfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
+  } else {
+    const sd::Vec<T> h = sd::Set1<T>(static_cast<T>(0.70710678118654752440L));
+    CV<T> a[4], b[4];
+    for (int j = 0; j < 4; ++j) a[j] = CAdd(v[j], v[j + 4]), b[j] = CSub(v[j], v[j + 4]);
+    b[1] = CW8<kInv>(b[1], h);
+    b[2] = CRot<kInv>(b[2]);
+    b[3] = CRot<kInv>(CW8<kInv>(b[3], h));
+    BlockBfly4<kInv>(a[0], a[1], a[2], a[3], v[0], v[2], v[4], v[6]);
+    BlockBfly4<kInv>(b[0], b[1], b[2], b[3], v[1], v[3], v[5], v[7]);
+  }
+}
+template <class T> VSP_FFT_INLINE CV<T> LoadBlock(const T* p) { return {sd::LoadU(p), sd::LoadU(p + sd::kLanes<T>)}; }
+template <class T> VSP_FFT_INLINE void StoreBlock(CV<T> v, T* p) {
+  sd::StoreU(v.re, p);
+  sd::StoreU(v.im, p + sd::kLanes<T>);
+}
+template <class T> VSP_FFT_INLINE CV<T> LoadInterleaved(const T* p) {
+  const sd::Vec<T> a = sd::LoadU(p), b = sd::LoadU(p + sd::kLanes<T>);
+  return {sd::RealParts(a, b), sd::ImagParts(a, b)};
+}
+template <class T> VSP_FFT_INLINE void StoreInterleaved(CV<T> v, T* p) {
+  sd::StoreU(sd::InterleaveLo(v.re, v.im), p);
+  sd::StoreU(sd::InterleaveHi(v.re, v.im), p + sd::kLanes<T>);
+}
+
+// The first pass (stride 1) from interleaved input to blocks, over L groups p at a time. Its
+// twiddles are stored in blocks too: for each k, L real parts then L imaginary parts per p-block.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void FirstPassBlocks(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  const long long m = n / kR, mh = m / 2;
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    for (long long pp = 0; pp < mh; pp += kL) {
+      const long long p = half * mh + pp;
+      CV<T> v[kR];
+      for (int j = 0; j < kH; ++j)
+        v[j] = LoadInterleaved(x.lo + 2 * (p + j * m)), v[j + kH] = LoadInterleaved(x.hi + 2 * (p + j * m));
+      BlockDft<kInv, kR, T>(v);
+      for (int k = 1; k < kR; ++k) {
+        const T* w = tw + 2 * ((k - 1) * m + p);
+        v[k] = CMul<kInv>(v[k], sd::LoadU(w), sd::LoadU(w + kL));
+      }
+      // Lane l of v[k] is output R (p + l) + k: L consecutive k, transposed, make the blocks.
+      for (int c = 0; c < kR / kL; ++c) {
+        sd::Vec<T> re[kL], im[kL];
+        for (int t = 0; t < kL; ++t) re[t] = v[c * kL + t].re, im[t] = v[c * kL + t].im;
+        sd::Transpose(re);
+        sd::Transpose(im);
+        for (int l = 0; l < kL; ++l) StoreBlock(CV<T>{re[l], im[l]}, yb + 2 * (kR * (pp + l) + c * kL));
+      }
+    }
+  }
+}
+// A middle pass on blocks (stride s >= L), twiddles as in the interleaved passes.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void MidPassBlocks(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
+  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  const long long m = n / kR, mh = m / 2, stride = s * m;
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    for (long long pp = 0; pp < mh; ++pp) {
+      const long long p = half * mh + pp;
+      const T* xa = x.lo + 2 * s * p;
+      const T* xe = x.hi + 2 * s * p;
+      T* ya = yb + 2 * s * kR * pp;
+      for (long long q = 0; q < s; q += kL) {
+        CV<T> v[kR];
+        for (int j = 0; j < kH; ++j)
+          v[j] = LoadBlock(xa + 2 * (q + j * stride)), v[j + kH] = LoadBlock(xe + 2 * (q + j * stride));
+        BlockDft<kInv, kR, T>(v);
+        StoreBlock(v[0], ya + 2 * q);
+        for (int k = 1; k < kR; ++k) {
+          const T* w = tw + 2 * ((k - 1) * m + p);
+          StoreBlock(CMul<kInv>(v[k], sd::Set1<T>(w[0]), sd::Set1<T>(w[1])), ya + 2 * (q + k * s));
+        }
+      }
+    }
+  }
+}
+// The last pass from blocks to interleaved output (stride s = N/R >= L), in place or not.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void LastPassBlocks(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
+  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  for (long long q = 0; q < s; q += kL) {
+    CV<T> v[kR];
+    for (int j = 0; j < kH; ++j) v[j] = LoadBlock(x.lo + 2 * (q + j * s)), v[j + kH] = LoadBlock(x.hi + 2 * (q + j * s));
+    BlockDft<kInv, kR, T>(v);
+    for (int j = 0; j < kH; ++j) {
+      if (scaled) {
+        v[j] = {sd::Mul(v[j].re, sc), sd::Mul(v[j].im, sc)};
+        v[j + kH] = {sd::Mul(v[j + kH].re, sc), sd::Mul(v[j + kH].im, sc)};
+      }
+      StoreInterleaved(v[j], y.lo + 2 * (q + j * s));
+      StoreInterleaved(v[j + kH], y.hi + 2 * (q + j * s));
+    }
+  }
+}
+// Whether a transform of this order runs on blocks: two passes or more, and a first pass with
+// at least L groups in each half.
+template <class T> constexpr bool BlockPlan(int order) {
+  return order >= 2 && PassCount(order) >= 2 && ((1LL << order) >> PassLog(order, 0)) >= 2 * sd::kLanes<T>;
+}
+
 // Complex values of the twiddle table of the Stockham passes of an N-point transform: for each
 // pass but the last, of radix R at length n, W_n^(kp) for k = 1 .. R-1, p < n/R.
 constexpr long long StockhamTwiddles(int order) {
@@ -174,18 +323,25 @@ constexpr long long StockhamTwiddles(int order) {
   return total;
 }
 // Fills that table from a sine source.
+// The first pass of a block plan keeps its twiddles in blocks of L (see FirstPassBlocks).
 template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSource<T> src) {
+  constexpr int kL = sd::kLanes<T>;
   long long n = 1LL << order;
   for (int i = 0; i + 1 < PassCount(order); n >>= PassLog(order, i), ++i) {
     const long long radix = 1LL << PassLog(order, i), m = n / radix;
-    for (long long k = 1; k < radix; ++k)
-      for (long long p = 0; p < m; ++p, dst += 2) src.Twiddle(k * p, n, dst[0], dst[1]);
+    const bool blocks = i == 0 && BlockPlan<T>(order);
+    for (long long k = 1; k < radix; ++k, dst += 2 * m)
+      for (long long p = 0; p < m; ++p) {
+        T& re = blocks ? dst[2 * (p - p % kL) + p % kL] : dst[2 * p];
+        T& im = blocks ? dst[2 * (p - p % kL) + kL + p % kL] : dst[2 * p + 1];
+        src.Twiddle(k * p, n, re, im);
+      }
   }
 }
 
 // The whole transform of 2^order points (order >= 1) from `in` to `out` with `tmp` of N complex
 // values (any of them may coincide, except that tmp must differ from out).
-template <class T, bool kInv>
+template <class T, bool kInv, bool kBlocks>
 VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
   const sd::Vec<T> sc = sd::Set1<T>(scale);
   const long long n0 = 1LL << order;
@@ -200,6 +356,26 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
   Halves<T> cur = in;
   Halves<T> target = in.lo == tmp.lo ? out : tmp;
   long long n = n0, s = 1;
+  if constexpr (kBlocks) {
+    for (int i = 0; i + 1 < PassCount(order); ++i) {
+      const int lg = PassLog(order, i);
+      if (i == 0) {
+        if (lg == 3) FirstPassBlocks<T, kInv, 8>(cur, target, n, tw);
+        else FirstPassBlocks<T, kInv, 4>(cur, target, n, tw);
+      } else {
+        if (lg == 3) MidPassBlocks<T, kInv, 8>(cur, target, n, s, tw);
+        else MidPassBlocks<T, kInv, 4>(cur, target, n, s, tw);
+      }
+      tw += 2 * (n - (n >> lg));
+      n >>= lg;
+      s <<= lg;
+      cur = target;
+      target = target.lo == out.lo ? tmp : out;
+    }
+    if (n == 8) LastPassBlocks<T, kInv, 8>(cur, out, s, scaled, sc);
+    else LastPassBlocks<T, kInv, 4>(cur, out, s, scaled, sc);
+    return;
+  }
   for (int i = 0; i + 1 < PassCount(order); ++i) {
     const int lg = PassLog(order, i);
     if (lg == 3) ownsFFTPass<T, kInv, 8>(cur, target, n, s, tw);
@@ -222,7 +398,8 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
 
 template <class T, bool kInv>
 void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
-  StockhamPasses<T, kInv>(order, tw, in, out, tmp, scaled, scale);
+  if (BlockPlan<T>(order)) StockhamPasses<T, kInv, true>(order, tw, in, out, tmp, scaled, scale);
+  else StockhamPasses<T, kInv, false>(order, tw, in, out, tmp, scaled, scale);
 }
 
 // Stockham twiddles of the direct kernels (orders 4 and 5), from the fixed table.
@@ -239,13 +416,13 @@ template <class T> inline constexpr SmallTwiddles<T, 5> kSmallTw5{};
 // kernels of 1 .. 32 points (constant twiddles, a stack buffer) and the small tabled orders.
 template <class T, bool kInv, int kOrder>
 void StockhamN(const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
-  StockhamPasses<T, kInv>(kOrder, tw, in, out, tmp, scaled, scale);
+  StockhamPasses<T, kInv, BlockPlan<T>(kOrder)>(kOrder, tw, in, out, tmp, scaled, scale);
 }
 template <class T, bool kInv, int kOrder>
 void DirectN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   alignas(16) T buf[2 << kOrder];
   const T* tw = kOrder == 4 ? kSmallTw4<T>.v : kSmallTw5<T>.v;
-  StockhamPasses<T, kInv>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
+  StockhamPasses<T, kInv, BlockPlan<T>(kOrder)>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
 }
 template <class T, bool kInv>
 void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale) {

@@ -89,4 +89,15 @@ inline Vec<Vsp32f> ImagParts(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_shuffle
 inline Vec<Vsp64f> RealParts(Vec<Vsp64f> a, Vec<Vsp64f> b) { return InterleaveLo(a, b); }
 inline Vec<Vsp64f> ImagParts(Vec<Vsp64f> a, Vec<Vsp64f> b) { return InterleaveHi(a, b); }
 
+// Transposes the kLanes x kLanes matrix whose rows are r[0..kLanes-1], in place.
+inline void Transpose(Vec<Vsp64f>* r) {
+  const Vec<Vsp64f> a = InterleaveLo(r[0], r[1]), b = InterleaveHi(r[0], r[1]);
+  r[0] = a, r[1] = b;
+}
+inline void Transpose(Vec<Vsp32f>* r) {
+  const Vec<Vsp32f> t0 = InterleaveLo(r[0], r[1]), t1 = InterleaveLo(r[2], r[3]);
+  const Vec<Vsp32f> t2 = InterleaveHi(r[0], r[1]), t3 = InterleaveHi(r[2], r[3]);
+  r[0] = PairsLo(t0, t1), r[1] = PairsHi(t0, t1), r[2] = PairsLo(t2, t3), r[3] = PairsHi(t2, t3);
+}
+
 }  // namespace vsp::simd
