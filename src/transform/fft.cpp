@@ -64,12 +64,12 @@ template <class T> long long BuildComplex(SpecHeader<T>* h, Bump& bump, int c, S
     lv.block = b;
     T* a = bump.Take<T>(2 * ((1LL << bl) - 1) * n2);
     lv.offA = static_cast<int32_t>(reinterpret_cast<unsigned char*>(a) - bump.base);
-    for (long long i = 1; i < (1LL << bl); ++i)
-      for (long long k2 = 0; k2 < n2; ++k2, a += 2) src.Twiddle(i * k2, n, a[0], a[1]);
+    for (long long i = 1; i < (1LL << bl); ++i, a += 2 * n2)
+      for (long long k2 = 0; k2 < n2; ++k2) src.Twiddle(i * k2, n, a[BlockRe<T>(k2)], a[BlockRe<T>(k2) + sd::kLanes<T>]);
     T* bt = bump.Take<T>(2 * ((1LL << bh) - 1) * n2);
     lv.offB = static_cast<int32_t>(reinterpret_cast<unsigned char*>(bt) - bump.base);
-    for (long long i = 1; i < (1LL << bh); ++i)
-      for (long long k2 = 0; k2 < n2; ++k2, bt += 2) src.Twiddle((i << bl) * k2, n, bt[0], bt[1]);
+    for (long long i = 1; i < (1LL << bh); ++i, bt += 2 * n2)
+      for (long long k2 = 0; k2 < n2; ++k2) src.Twiddle((i << bl) * k2, n, bt[BlockRe<T>(k2)], bt[BlockRe<T>(k2) + sd::kLanes<T>]);
     T* sm = bump.Take<T>(1LL << b);
     lv.offSmall = static_cast<int32_t>(reinterpret_cast<unsigned char*>(sm) - bump.base);
     for (long long j = 0; j < (1LL << (b - 1)); ++j) src.Twiddle(j, 1LL << b, sm[2 * j], sm[2 * j + 1]);

@@ -174,6 +174,12 @@ VSP_FFT_INLINE void LastPass(Halves<T> x, Halves<T> y, long long s, bool scaled,
 // is a swap of the parts); the first pass converts from the interleaved input, transposing its
 // outputs into blocks, and the last pass converts back.
 
+// Offset of the real part of complex value i in an array of blocks (its imaginary part follows
+// L values later).
+template <class T> constexpr long long BlockRe(long long i) {
+  return 2 * (i - i % sd::kLanes<T>) + i % sd::kLanes<T>;
+}
+
 template <class T> struct CV {
   sd::Vec<T> re, im;
 };
@@ -332,8 +338,8 @@ template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSou
     const bool blocks = i == 0 && BlockPlan<T>(order);
     for (long long k = 1; k < radix; ++k, dst += 2 * m)
       for (long long p = 0; p < m; ++p) {
-        T& re = blocks ? dst[2 * (p - p % kL) + p % kL] : dst[2 * p];
-        T& im = blocks ? dst[2 * (p - p % kL) + kL + p % kL] : dst[2 * p + 1];
+        T& re = blocks ? dst[BlockRe<T>(p)] : dst[2 * p];
+        T& im = blocks ? dst[BlockRe<T>(p) + kL] : dst[2 * p + 1];
         src.Twiddle(k * p, n, re, im);
       }
   }
@@ -522,26 +528,28 @@ template <class T> struct LargePlan {
 };
 
 // Two radix-2 steps across rows at distances h and 2h (rows x0..x3 at 0, h, 2h, 3h): the
-// first with twiddle wa = W_2h^j, the second with wb = W_4h^j (and -i wb), in place.
-template <bool kInv, class V> VSP_FFT_INLINE void Bfly22(V& x0, V& x1, V& x2, V& x3, V wa, V wb) {
-  x1 = sd::MulTwiddle<kInv>(x1, wa);
-  x3 = sd::MulTwiddle<kInv>(x3, wa);
-  V a0 = sd::Add(x0, x1), a1 = sd::Sub(x0, x1);
-  V a2 = sd::MulTwiddle<kInv>(sd::Add(x2, x3), wb);
-  V a3 = sd::MulRot<kInv>(sd::MulTwiddle<kInv>(sd::Sub(x2, x3), wb));
-  x0 = sd::Add(a0, a2), x2 = sd::Sub(a0, a2), x1 = sd::Add(a1, a3), x3 = sd::Sub(a1, a3);
+// first with twiddle wa = W_2h^j, the second with wb = W_4h^j (and -i wb), in place, on
+// blocks with the twiddles broadcast.
+template <bool kInv, class T>
+VSP_FFT_INLINE void Bfly22(CV<T>& x0, CV<T>& x1, CV<T>& x2, CV<T>& x3, const T* wa, const T* wb) {
+  const sd::Vec<T> ar = sd::Set1<T>(wa[0]), ai = sd::Set1<T>(wa[1]), br = sd::Set1<T>(wb[0]), bi = sd::Set1<T>(wb[1]);
+  x1 = CMul<kInv>(x1, ar, ai);
+  x3 = CMul<kInv>(x3, ar, ai);
+  const CV<T> a0 = CAdd(x0, x1), a1 = CSub(x0, x1);
+  const CV<T> a2 = CMul<kInv>(CAdd(x2, x3), br, bi), a3 = CRot<kInv>(CMul<kInv>(CSub(x2, x3), br, bi));
+  x0 = CAdd(a0, a2), x2 = CSub(a0, a2), x1 = CAdd(a1, a3), x3 = CSub(a1, a3);
 }
 
 // The column pass of one level: batches of `cols` columns; row j (holding the decimated
 // sequence n1 = rev_b(j)) is multiplied by W_N^(n1 k2) while it is gathered into the work
-// buffer together with the first radix-2x2 step across the rows (consecutive rows, no
-// twiddles); further steps run in the work buffer, and the last one writes the rows back in
-// natural order, scaled when asked. The block order b is even.
+// buffer as blocks, together with the first radix-2x2 step across the rows (consecutive rows,
+// no twiddles); further steps run on the blocks in the work buffer, and the last one writes the
+// rows back, interleaved and in natural order, scaled when asked. The block order b is even;
+// the factor tables A and B hold their rows in blocks.
 template <class T, bool kInv>
 void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work, long long workPairs, bool scaled,
                   T scale) {
-  using V = sd::Vec<T>;
-  constexpr int P = sd::kPairs<T>;
+  constexpr int kL = sd::kLanes<T>;
   const int b = lv.block, r = lv.order - b, bl = LoBits(b);
   const long long n1 = 1LL << b, n2 = 1LL << r;
   const T* tabA = reinterpret_cast<const T*>(pl.base + lv.offA);
@@ -551,7 +559,7 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
   const long long cap = (256 * 1024 / (2 * sizeof(T))) / n1;
   if (cols > cap) cols = cap;
   if (cols > n2) cols = n2;
-  const V sc = sd::Set1<T>(scale);
+  const sd::Vec<T> sc = sd::Set1<T>(scale);
   for (long long c0 = 0; c0 < n2; c0 += cols) {
     for (long long g = 0; g < n1; g += 4) {
       const T* src[4];
@@ -566,26 +574,23 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
         fb[i] = hi ? tabB + 2 * ((hi - 1) * n2 + c0) : nullptr;
       }
       T* w0 = work + 2 * g * cols;
-      for (long long t = 0; t < cols; t += P) {
-        V x[4];
+      for (long long t = 0; t < cols; t += kL) {
+        CV<T> x[4];
         for (int i = 0; i < 4; ++i) {
-          x[i] = sd::LoadU(src[i] + 2 * t);
-          if (fa[i]) x[i] = sd::MulTwiddle<kInv>(x[i], sd::LoadU(fa[i] + 2 * t));
-          if (fb[i]) x[i] = sd::MulTwiddle<kInv>(x[i], sd::LoadU(fb[i] + 2 * t));
+          x[i] = LoadInterleaved(src[i] + 2 * t);
+          if (fa[i]) x[i] = CMul<kInv>(x[i], sd::LoadU(fa[i] + 2 * t), sd::LoadU(fa[i] + 2 * t + kL));
+          if (fb[i]) x[i] = CMul<kInv>(x[i], sd::LoadU(fb[i] + 2 * t), sd::LoadU(fb[i] + 2 * t + kL));
         }
-        V a0 = sd::Add(x[0], x[1]), a1 = sd::Sub(x[0], x[1]);
-        V a2 = sd::Add(x[2], x[3]), a3 = sd::MulRot<kInv>(sd::Sub(x[2], x[3]));
-        sd::Store(sd::Add(a0, a2), w0 + 2 * t);
-        sd::Store(sd::Add(a1, a3), w0 + 2 * (cols + t));
-        sd::Store(sd::Sub(a0, a2), w0 + 2 * (2 * cols + t));
-        sd::Store(sd::Sub(a1, a3), w0 + 2 * (3 * cols + t));
+        // Rows in bit-reversed order: the 4-point DFT of (x0, x2, x1, x3).
+        BlockBfly4<kInv>(x[0], x[2], x[1], x[3], x[0], x[1], x[2], x[3]);
+        for (int i = 0; i < 4; ++i) StoreBlock(x[i], w0 + 2 * (i * cols + t));
       }
     }
     for (long long h = 4; h < n1; h *= 4) {
       const bool last = 4 * h == n1;
       for (long long jj = 0; jj < h; ++jj) {
-        const V wa = sd::LoadBroadcast1(small + 2 * (jj * (n1 / (2 * h))));
-        const V wb = sd::LoadBroadcast1(small + 2 * (jj * (n1 / (4 * h))));
+        const T* wa = small + 2 * (jj * (n1 / (2 * h)));
+        const T* wb = small + 2 * (jj * (n1 / (4 * h)));
         for (long long g = 0; g < n1; g += 4 * h) {
           T* in[4];
           T* out[4];
@@ -593,15 +598,18 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
             in[i] = work + 2 * (g + jj + i * h) * cols;
             out[i] = last ? d.At((g + jj + i * h) * n2 + c0) : in[i];
           }
-          for (long long t = 0; t < cols; t += P) {
-            V x0 = sd::Load(in[0] + 2 * t), x1 = sd::Load(in[1] + 2 * t), x2 = sd::Load(in[2] + 2 * t),
-              x3 = sd::Load(in[3] + 2 * t);
-            Bfly22<kInv>(x0, x1, x2, x3, wa, wb);
-            if (last && scaled) x0 = sd::Mul(x0, sc), x1 = sd::Mul(x1, sc), x2 = sd::Mul(x2, sc), x3 = sd::Mul(x3, sc);
-            sd::StoreU(x0, out[0] + 2 * t);
-            sd::StoreU(x1, out[1] + 2 * t);
-            sd::StoreU(x2, out[2] + 2 * t);
-            sd::StoreU(x3, out[3] + 2 * t);
+          for (long long t = 0; t < cols; t += kL) {
+            CV<T> x[4];
+            for (int i = 0; i < 4; ++i) x[i] = LoadBlock(in[i] + 2 * t);
+            Bfly22<kInv>(x[0], x[1], x[2], x[3], wa, wb);
+            for (int i = 0; i < 4; ++i) {
+              if (!last) {
+                StoreBlock(x[i], out[i] + 2 * t);
+                continue;
+              }
+              if (scaled) x[i] = {sd::Mul(x[i].re, sc), sd::Mul(x[i].im, sc)};
+              StoreInterleaved(x[i], out[i] + 2 * t);
+            }
           }
         }
       }
