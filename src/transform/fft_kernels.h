@@ -4,7 +4,8 @@
 //
 // Single-level transforms are Stockham autosort passes: radix-8 passes with twiddles (one
 // radix-4 pass where the order needs it), then one twiddle-free radix-4 or radix-8 pass,
-// ping-ponging between the destination and a work buffer, so no bit reversal is needed. Large
+// ping-ponging between the destination and a work buffer, so no bit reversal is needed; in
+// between, the data is held in blocks of real and imaginary parts (see the block passes). Large
 // transforms (orders above the single-level range) work on the destination with a work buffer
 // smaller than the data: 2^b rows of 2^r points (r = order - b) are put in place (gathered in
 // natural order from a separate source, or by a blocked bit-reversal permutation in place),
