@@ -363,9 +363,9 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
   Halves<T> cur = in;
   Halves<T> target = in.lo == tmp.lo ? out : tmp;
   long long n = n0, s = 1;
-  if constexpr (kBlocks) {
-    for (int i = 0; i + 1 < PassCount(order); ++i) {
-      const int lg = PassLog(order, i);
+  for (int i = 0; i + 1 < PassCount(order); ++i) {
+    const int lg = PassLog(order, i);
+    if constexpr (kBlocks) {
       if (i == 0) {
         if (lg == 3) FirstPassBlocks<T, kInv, 8>(cur, target, n, tw);
         else FirstPassBlocks<T, kInv, 4>(cur, target, n, tw);
@@ -373,25 +373,20 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
         if (lg == 3) MidPassBlocks<T, kInv, 8>(cur, target, n, s, tw);
         else MidPassBlocks<T, kInv, 4>(cur, target, n, s, tw);
       }
-      tw += 2 * (n - (n >> lg));
-      n >>= lg;
-      s <<= lg;
-      cur = target;
-      target = target.lo == out.lo ? tmp : out;
+    } else {
+      if (lg == 3) ownsFFTPass<T, kInv, 8>(cur, target, n, s, tw);
+      else ownsFFTPass<T, kInv, 4>(cur, target, n, s, tw);
     }
-    if (n == 8) LastPassBlocks<T, kInv, 8>(cur, out, s, scaled, sc);
-    else LastPassBlocks<T, kInv, 4>(cur, out, s, scaled, sc);
-    return;
-  }
-  for (int i = 0; i + 1 < PassCount(order); ++i) {
-    const int lg = PassLog(order, i);
-    if (lg == 3) ownsFFTPass<T, kInv, 8>(cur, target, n, s, tw);
-    else ownsFFTPass<T, kInv, 4>(cur, target, n, s, tw);
     tw += 2 * (n - (n >> lg));
     n >>= lg;
     s <<= lg;
     cur = target;
     target = target.lo == out.lo ? tmp : out;
+  }
+  if constexpr (kBlocks) {
+    if (n == 8) LastPassBlocks<T, kInv, 8>(cur, out, s, scaled, sc);
+    else LastPassBlocks<T, kInv, 4>(cur, out, s, scaled, sc);
+    return;
   }
   const bool wide = s >= sd::kPairs<T>;
   if (n == 8) {
