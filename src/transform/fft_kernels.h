@@ -317,9 +317,10 @@ VSP_FFT_INLINE void LastPassBlocks(Halves<T> x, Halves<T> y, long long s, bool s
   }
 }
 // Whether a transform of this order runs on blocks: two passes or more, and a first pass with
-// at least L groups in each half.
+// at least 16 groups (so at least L in each half); the smaller ones are faster interleaved.
 template <class T> constexpr bool BlockPlan(int order) {
-  return order >= 2 && PassCount(order) >= 2 && ((1LL << order) >> PassLog(order, 0)) >= 2 * sd::kLanes<T>;
+  static_assert(16 >= 2 * sd::kLanes<T>);
+  return order >= 2 && PassCount(order) >= 2 && ((1LL << order) >> PassLog(order, 0)) >= 16;
 }
 
 // Complex values of the twiddle table of the Stockham passes of an N-point transform: for each
