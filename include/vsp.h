@@ -139,6 +139,15 @@ enum {
   FFT_SCALE_NONE = 8      /* neither scaled */
 };
 
+/* FFT spec blocks: opaque, laid out by vspsFFTInit_* in caller memory of the size that
+   vspsFFTGetSize_* reports, read-only afterwards (one spec may serve concurrent calls). */
+typedef struct VspFFTSpec_C_32fc VspFFTSpec_C_32fc;
+typedef struct VspFFTSpec_C_32f VspFFTSpec_C_32f;
+typedef struct VspFFTSpec_R_32f VspFFTSpec_R_32f;
+typedef struct VspFFTSpec_C_64fc VspFFTSpec_C_64fc;
+typedef struct VspFFTSpec_C_64f VspFFTSpec_C_64f;
+typedef struct VspFFTSpec_R_64f VspFFTSpec_R_64f;
+
 /* ---- Version record --------------------------------------------------------------------- */
 
 typedef struct {

@@ -1,0 +1,780 @@
+// Kernels of the power-of-two FFT, written once over the element type T (Vsp32f or Vsp64f,
+// complex values interleaved as (re, im) pairs of T) and the direction (kInv: the inverse
+// uses conjugated twiddles and the opposite quarter-turn).
+//
+// Single-level transforms are Stockham autosort passes: radix-8 passes with twiddles (one
+// radix-4 pass where the order needs it), then one twiddle-free radix-4 or radix-8 pass,
+// ping-ponging between the destination and a work buffer, so no bit reversal is needed; in
+// between, the data is held in blocks of real and imaginary parts (see the block passes). Large
+// transforms (orders above the single-level range) work on the destination with a work buffer
+// smaller than the data: 2^b rows of 2^r points (r = order - b) are put in place (gathered in
+// natural order from a separate source, or by a blocked bit-reversal permutation in place),
+// every row is transformed, and a pass over batches of columns applies the twiddles
+// exp(-2 pi i n1 k2 / N) and the 2^b-point transforms across the rows in the work buffer.
+//
+// Data is addressed through Halves: complex element i of an N-point array lies in `lo` for
+// i < N/2 and in `hi` (at i - N/2) above, so a split-complex caller can lend its two output
+// arrays as one interleaved array. Every pass reads and writes the halves in whole runs.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+#include "core/simd/sse3_fft.h"
+#include "transform/fft_tables.h"
+
+namespace vsp::fft {
+
+namespace sd = vsp::simd;
+
+// Inlined into their callers, so that the direct kernels see every length and stride as a
+// constant and unroll completely.
+#define VSP_FFT_INLINE [[gnu::always_inline]] inline
+
+template <class T> struct Halves {
+  T* lo;
+  T* hi;
+  long long half;  // complex elements in lo
+  T* At(long long i) const { return i < half ? lo + 2 * i : hi + 2 * (i - half); }
+};
+// An ordinary interleaved array of n complex elements.
+template <class T> Halves<T> Whole(T* p, long long n) { return {p, p + 2 * (n / 2), n / 2}; }
+
+// ---- butterflies ---------------------------------------------------------------------------
+
+template <bool kInv, class V>
+VSP_FFT_INLINE void Bfly4(V a, V b, V c, V d, V& y0, V& y1, V& y2, V& y3) {
+  V t0 = sd::Add(a, c), t1 = sd::Sub(a, c), t2 = sd::Add(b, d), t3 = sd::MulRot<kInv>(sd::Sub(b, d));
+  y0 = sd::Add(t0, t2);
+  y1 = sd::Add(t1, t3);
+  y2 = sd::Sub(t0, t2);
+  y3 = sd::Sub(t1, t3);
+}
+
+// 8-point DFT of x[0..7] in place (outputs in natural order).
+template <bool kInv, class T>
+VSP_FFT_INLINE void Bfly8(sd::Vec<T>* x) {
+  const sd::Vec<T> h = sd::Set1<T>(static_cast<T>(0.70710678118654752440L));
+  sd::Vec<T> a[4], b[4];
+  for (int j = 0; j < 4; ++j) a[j] = sd::Add(x[j], x[j + 4]), b[j] = sd::Sub(x[j], x[j + 4]);
+  // b[j] *= W8^j: W8 z = (z + rot z) * sqrt(1/2), W8^2 z = rot z, W8^3 z = rot(W8 z).
+  b[1] = sd::Mul(sd::Add(b[1], sd::MulRot<kInv>(b[1])), h);
+  b[2] = sd::MulRot<kInv>(b[2]);
+  b[3] = sd::MulRot<kInv>(sd::Mul(sd::Add(b[3], sd::MulRot<kInv>(b[3])), h));
+  Bfly4<kInv>(a[0], a[1], a[2], a[3], x[0], x[2], x[4], x[6]);
+  Bfly4<kInv>(b[0], b[1], b[2], b[3], x[1], x[3], x[5], x[7]);
+}
+
+// ---- Stockham passes ------------------------------------------------------------------------
+
+// Complex values to move per step: a whole vector when the run is long enough, else one.
+template <class T> struct Pair1 {
+  static sd::Vec<T> Load(const T* p) { return sd::Load1(p); }
+  static void Store(sd::Vec<T> v, T* p) { sd::Store1(v, p); }
+  static constexpr int kStep = 1;
+};
+template <class T> struct PairV {
+  static sd::Vec<T> Load(const T* p) { return sd::LoadU(p); }
+  static void Store(sd::Vec<T> v, T* p) { sd::StoreU(v, p); }
+  static constexpr int kStep = sd::kPairs<T>;
+};
+
+// The DFT of R = 4 or 8 values in registers, in place, outputs in natural order.
+template <bool kInv, int kR, class T> VSP_FFT_INLINE void DftInRegs(sd::Vec<T>* v) {
+  if constexpr (kR == 4) Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
+  else Bfly8<kInv, T>(v);
+}
+
+// One radix-R pass (R = 4 or 8) of an N-point transform at length n, stride s (n * s = N,
+// n >= 4R): y[q + s(Rp + k)] = W_n^(kp) * DFT_R(x[q + s(p + k n/R)]) over p < n/R, q < s. tw
+// holds W_n^(kp) for k = 1 .. R-1 as R-1 arrays of n/R. Inputs k < R/2 lie in the low half,
+// the others in the high half; outputs of p < n/2R in the low half.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void ownsFFTPass(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
+  using V = sd::Vec<T>;
+  constexpr int kH = kR / 2;
+  const long long m = n / kR, mh = m / 2, stride = s * m;
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    const long long p0 = half * mh;
+    if (s >= sd::kPairs<T>) {
+      for (long long pp = 0; pp < mh; ++pp) {
+        const long long p = p0 + pp;
+        const T* xa = x.lo + 2 * s * p;
+        const T* xe = x.hi + 2 * s * p;
+        T* ya = yb + 2 * s * kR * pp;
+        for (long long q = 0; q < s; q += sd::kPairs<T>) {
+          V v[kR];
+          for (int j = 0; j < kH; ++j)
+            v[j] = sd::LoadU(xa + 2 * (q + j * stride)), v[j + kH] = sd::LoadU(xe + 2 * (q + j * stride));
+          DftInRegs<kInv, kR, T>(v);
+          sd::StoreU(v[0], ya + 2 * q);
+          for (int j = 1; j < kR; ++j)
+            sd::StoreU(sd::MulTwiddle<kInv>(v[j], sd::LoadBroadcast1(tw + 2 * ((j - 1) * m + p))), ya + 2 * (q + j * s));
+        }
+      }
+    } else if constexpr (sd::kPairs<T> == 2) {
+      // s == 1 with two complex floats per vector: p and p + 1 side by side.
+      for (long long pp = 0; pp < mh; pp += 2) {
+        const long long p = p0 + pp;
+        V v[kR];
+        for (int j = 0; j < kH; ++j)
+          v[j] = sd::LoadU(x.lo + 2 * (p + j * stride)), v[j + kH] = sd::LoadU(x.hi + 2 * (p + j * stride));
+        DftInRegs<kInv, kR, T>(v);
+        for (int j = 1; j < kR; ++j) v[j] = sd::MulTwiddle<kInv>(v[j], sd::LoadU(tw + 2 * ((j - 1) * m + p)));
+        T* ya = yb + 2 * kR * pp;
+        for (int j = 0; j < kR; j += 2) {
+          sd::StoreU(sd::PairsLo(v[j], v[j + 1]), ya + 2 * j);
+          sd::StoreU(sd::PairsHi(v[j], v[j + 1]), ya + 2 * kR + 2 * j);
+        }
+      }
+    }
+  }
+}
+
+// The passes of a Stockham transform of order k >= 2: radix-8 passes while they leave at least
+// 8 points, radix-4 passes, then one twiddle-free radix-4 or radix-8 pass. Returns the log2 of
+// the radix of pass i, 0 past the last pass; the last pass is the one whose radix is the
+// remaining length.
+constexpr int PassLog(int k, int i) {
+  const int e = k % 3 == 0 ? 3 : 2;               // last pass
+  const int r4 = k % 3 == 1 ? 1 : 0;              // one radix-4 pass when k = 1 (mod 3)
+  const int r8 = (k - e - 2 * r4) / 3;
+  if (i < r8) return 3;
+  if (i < r8 + r4) return 2;
+  return i == r8 + r4 ? e : 0;
+}
+constexpr int PassCount(int k) {
+  int c = 0;
+  while (PassLog(k, c)) ++c;
+  return c;
+}
+
+// The last pass, without twiddles: radix R = 4 or 8 at stride s = N/R, reading x and writing
+// the same positions of y (x may be y), each output multiplied by `scale` when `scaled`.
+template <class T, bool kInv, int kR, class Mv>
+VSP_FFT_INLINE void LastPass(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
+  constexpr int kH = kR / 2;
+  for (long long q = 0; q < s; q += Mv::kStep) {
+    sd::Vec<T> v[kR];
+    for (int j = 0; j < kH; ++j) v[j] = Mv::Load(x.lo + 2 * (q + j * s)), v[j + kH] = Mv::Load(x.hi + 2 * (q + j * s));
+    DftInRegs<kInv, kR, T>(v);
+    for (int j = 0; j < kH; ++j) {
+      if (scaled) v[j] = sd::Mul(v[j], sc), v[j + kH] = sd::Mul(v[j + kH], sc);
+      Mv::Store(v[j], y.lo + 2 * (q + j * s));
+      Mv::Store(v[j + kH], y.hi + 2 * (q + j * s));
+    }
+  }
+}
+
+// ---- block passes ------------------------------------------------------------------------
+//
+// Between the first and the last pass, transforms large enough keep their data in blocks of
+// L = kLanes complex values: the L real parts, then the L imaginary parts, in the bytes the L
+// interleaved values would take. Complex arithmetic on blocks needs no shuffles (a quarter-turn
+// is a swap of the parts); the first pass converts from the interleaved input, transposing its
+// outputs into blocks, and the last pass converts back.
+
+// Offset of the real part of complex value i in an array of blocks (its imaginary part follows
+// L values later).
+template <class T> constexpr long long BlockRe(long long i) {
+  return 2 * (i - i % sd::kLanes<T>) + i % sd::kLanes<T>;
+}
+
+template <class T> struct CV {
+  sd::Vec<T> re, im;
+};
+template <class T> VSP_FFT_INLINE CV<T> CAdd(CV<T> a, CV<T> b) { return {sd::Add(a.re, b.re), sd::Add(a.im, b.im)}; }
+template <class T> VSP_FFT_INLINE CV<T> CSub(CV<T> a, CV<T> b) { return {sd::Sub(a.re, b.re), sd::Sub(a.im, b.im)}; }
+// a * w (kConj: a * conj w), each product rounded, then one addition.
+template <bool kConj, class T> VSP_FFT_INLINE CV<T> CMul(CV<T> a, sd::Vec<T> wr, sd::Vec<T> wi) {
+  if constexpr (kConj) return {sd::Add(sd::Mul(a.re, wr), sd::Mul(a.im, wi)), sd::Sub(sd::Mul(a.im, wr), sd::Mul(a.re, wi))};
+  else return {sd::Sub(sd::Mul(a.re, wr), sd::Mul(a.im, wi)), sd::Add(sd::Mul(a.re, wi), sd::Mul(a.im, wr))};
+}
+// a * (-i) forward, a * i inverse.
+template <bool kInv, class T> VSP_FFT_INLINE CV<T> CRot(CV<T> a) {
+  if constexpr (kInv) return {sd::Neg(a.im), a.re};
+  else return {a.im, sd::Neg(a.re)};
+}
+// a * W8 forward ((re + im) h, (im - re) h), a * conj W8 inverse ((re - im) h, (im + re) h).
+template <bool kInv, class T> VSP_FFT_INLINE CV<T> CW8(CV<T> a, sd::Vec<T> h) {
+  if constexpr (kInv) return {sd::Mul(sd::Sub(a.re, a.im), h), sd::Mul(sd::Add(a.im, a.re), h)};
+  else return {sd::Mul(sd::Add(a.re, a.im), h), sd::Mul(sd::Sub(a.im, a.re), h)};
+}
+template <bool kInv, class T>
+VSP_FFT_INLINE void BlockBfly4(CV<T> a, CV<T> b, CV<T> c, CV<T> d, CV<T>& y0, CV<T>& y1, CV<T>& y2, CV<T>& y3) {
+  const CV<T> t0 = CAdd(a, c), t1 = CSub(a, c), t2 = CAdd(b, d), u = CSub(b, d);
+  y0 = CAdd(t0, t2);
+  y2 = CSub(t0, t2);
+  // t1 + rot(u) and t1 - rot(u), the quarter-turn folded into the additions.
+  if constexpr (kInv) {
+    y1 = {sd::Sub(t1.re, u.im), sd::Add(t1.im, u.re)};
+    y3 = {sd::Add(t1.re, u.im), sd::Sub(t1.im, u.re)};
+  } else {
+    y1 = {sd::Add(t1.re, u.im), sd::Sub(t1.im, u.re)};
+    y3 = {sd::Sub(t1.re, u.im), sd::Add(t1.im, u.re)};
+  }
+}
+template <bool kInv, int kR, class T> VSP_FFT_INLINE void BlockDft(CV<T>* v) {
+  if constexpr (kR == 4) {
+    BlockBfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
+  } else {
+    const sd::Vec<T> h = sd::Set1<T>(static_cast<T>(0.70710678118654752440L));
+    CV<T> a[4], b[4];
+    for (int j = 0; j < 4; ++j) a[j] = CAdd(v[j], v[j + 4]), b[j] = CSub(v[j], v[j + 4]);
+    b[1] = CW8<kInv>(b[1], h);
+    b[2] = CRot<kInv>(b[2]);
+    b[3] = CRot<kInv>(CW8<kInv>(b[3], h));
+    BlockBfly4<kInv>(a[0], a[1], a[2], a[3], v[0], v[2], v[4], v[6]);
+    BlockBfly4<kInv>(b[0], b[1], b[2], b[3], v[1], v[3], v[5], v[7]);
+  }
+}
+template <class T> VSP_FFT_INLINE CV<T> LoadBlock(const T* p) { return {sd::LoadU(p), sd::LoadU(p + sd::kLanes<T>)}; }
+template <class T> VSP_FFT_INLINE void StoreBlock(CV<T> v, T* p) {
+  sd::StoreU(v.re, p);
+  sd::StoreU(v.im, p + sd::kLanes<T>);
+}
+template <class T> VSP_FFT_INLINE CV<T> LoadInterleaved(const T* p) {
+  const sd::Vec<T> a = sd::LoadU(p), b = sd::LoadU(p + sd::kLanes<T>);
+  return {sd::RealParts(a, b), sd::ImagParts(a, b)};
+}
+template <class T> VSP_FFT_INLINE void StoreInterleaved(CV<T> v, T* p) {
+  sd::StoreU(sd::InterleaveLo(v.re, v.im), p);
+  sd::StoreU(sd::InterleaveHi(v.re, v.im), p + sd::kLanes<T>);
+}
+
+// The first pass (stride 1) from interleaved input to blocks, over L groups p at a time. Its
+// twiddles are stored in blocks too: for each k, L real parts then L imaginary parts per p-block.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void FirstPassBlocks(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  const long long m = n / kR, mh = m / 2;
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    for (long long pp = 0; pp < mh; pp += kL) {
+      const long long p = half * mh + pp;
+      CV<T> v[kR];
+      for (int j = 0; j < kH; ++j)
+        v[j] = LoadInterleaved(x.lo + 2 * (p + j * m)), v[j + kH] = LoadInterleaved(x.hi + 2 * (p + j * m));
+      BlockDft<kInv, kR, T>(v);
+      for (int k = 1; k < kR; ++k) {
+        const T* w = tw + 2 * ((k - 1) * m + p);
+        v[k] = CMul<kInv>(v[k], sd::LoadU(w), sd::LoadU(w + kL));
+      }
+      // Lane l of v[k] is output R (p + l) + k: L consecutive k, transposed, make the blocks.
+      for (int c = 0; c < kR / kL; ++c) {
+        sd::Vec<T> re[kL], im[kL];
+        for (int t = 0; t < kL; ++t) re[t] = v[c * kL + t].re, im[t] = v[c * kL + t].im;
+        sd::Transpose(re);
+        sd::Transpose(im);
+        for (int l = 0; l < kL; ++l) StoreBlock(CV<T>{re[l], im[l]}, yb + 2 * (kR * (pp + l) + c * kL));
+      }
+    }
+  }
+}
+// A middle pass on blocks (stride s >= L), twiddles as in the interleaved passes.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void MidPassBlocks(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
+  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  const long long m = n / kR, mh = m / 2, stride = s * m;
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    for (long long pp = 0; pp < mh; ++pp) {
+      const long long p = half * mh + pp;
+      const T* xa = x.lo + 2 * s * p;
+      const T* xe = x.hi + 2 * s * p;
+      T* ya = yb + 2 * s * kR * pp;
+      for (long long q = 0; q < s; q += kL) {
+        CV<T> v[kR];
+        for (int j = 0; j < kH; ++j)
+          v[j] = LoadBlock(xa + 2 * (q + j * stride)), v[j + kH] = LoadBlock(xe + 2 * (q + j * stride));
+        BlockDft<kInv, kR, T>(v);
+        StoreBlock(v[0], ya + 2 * q);
+        for (int k = 1; k < kR; ++k) {
+          const T* w = tw + 2 * ((k - 1) * m + p);
+          StoreBlock(CMul<kInv>(v[k], sd::Set1<T>(w[0]), sd::Set1<T>(w[1])), ya + 2 * (q + k * s));
+        }
+      }
+    }
+  }
+}
+// The last pass from blocks to interleaved output (stride s = N/R >= L), in place or not.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void LastPassBlocks(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
+  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  for (long long q = 0; q < s; q += kL) {
+    CV<T> v[kR];
+    for (int j = 0; j < kH; ++j) v[j] = LoadBlock(x.lo + 2 * (q + j * s)), v[j + kH] = LoadBlock(x.hi + 2 * (q + j * s));
+    BlockDft<kInv, kR, T>(v);
+    for (int j = 0; j < kH; ++j) {
+      if (scaled) {
+        v[j] = {sd::Mul(v[j].re, sc), sd::Mul(v[j].im, sc)};
+        v[j + kH] = {sd::Mul(v[j + kH].re, sc), sd::Mul(v[j + kH].im, sc)};
+      }
+      StoreInterleaved(v[j], y.lo + 2 * (q + j * s));
+      StoreInterleaved(v[j + kH], y.hi + 2 * (q + j * s));
+    }
+  }
+}
+// Whether a transform of this order runs on blocks: two passes or more, and a first pass with
+// at least 16 groups (so at least L in each half); the smaller ones are faster interleaved.
+template <class T> constexpr bool BlockPlan(int order) {
+  static_assert(16 >= 2 * sd::kLanes<T>);
+  return order >= 2 && PassCount(order) >= 2 && ((1LL << order) >> PassLog(order, 0)) >= 16;
+}
+
+// Complex values of the twiddle table of the Stockham passes of an N-point transform: for each
+// pass but the last, of radix R at length n, W_n^(kp) for k = 1 .. R-1, p < n/R.
+constexpr long long StockhamTwiddles(int order) {
+  long long total = 0, n = 1LL << order;
+  for (int i = 0; i + 1 < PassCount(order); n >>= PassLog(order, i), ++i) total += n - (n >> PassLog(order, i));
+  return total;
+}
+// Fills that table from a sine source.
+// The first pass of a block plan keeps its twiddles in blocks of L (see FirstPassBlocks).
+template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSource<T> src) {
+  constexpr int kL = sd::kLanes<T>;
+  long long n = 1LL << order;
+  for (int i = 0; i + 1 < PassCount(order); n >>= PassLog(order, i), ++i) {
+    const long long radix = 1LL << PassLog(order, i), m = n / radix;
+    const bool blocks = i == 0 && BlockPlan<T>(order);
+    for (long long k = 1; k < radix; ++k, dst += 2 * m)
+      for (long long p = 0; p < m; ++p) {
+        T& re = blocks ? dst[BlockRe<T>(p)] : dst[2 * p];
+        T& im = blocks ? dst[BlockRe<T>(p) + kL] : dst[2 * p + 1];
+        src.Twiddle(k * p, n, re, im);
+      }
+  }
+}
+
+// The whole transform of 2^order points (order >= 1) from `in` to `out` with `tmp` of N complex
+// values (any of them may coincide, except that tmp must differ from out).
+template <class T, bool kInv, bool kBlocks>
+VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  const sd::Vec<T> sc = sd::Set1<T>(scale);
+  const long long n0 = 1LL << order;
+  if (order == 1) {
+    sd::Vec<T> a = sd::Load1(in.lo), b = sd::Load1(in.hi);
+    sd::Vec<T> y0 = sd::Add(a, b), y1 = sd::Sub(a, b);
+    if (scaled) y0 = sd::Mul(y0, sc), y1 = sd::Mul(y1, sc);
+    sd::Store1(y0, out.lo);
+    sd::Store1(y1, out.hi);
+    return;
+  }
+  Halves<T> cur = in;
+  Halves<T> target = in.lo == tmp.lo ? out : tmp;
+  long long n = n0, s = 1;
+  for (int i = 0; i + 1 < PassCount(order); ++i) {
+    const int lg = PassLog(order, i);
+    if constexpr (kBlocks) {
+      if (i == 0) {
+        if (lg == 3) FirstPassBlocks<T, kInv, 8>(cur, target, n, tw);
+        else FirstPassBlocks<T, kInv, 4>(cur, target, n, tw);
+      } else {
+        if (lg == 3) MidPassBlocks<T, kInv, 8>(cur, target, n, s, tw);
+        else MidPassBlocks<T, kInv, 4>(cur, target, n, s, tw);
+      }
+    } else {
+      if (lg == 3) ownsFFTPass<T, kInv, 8>(cur, target, n, s, tw);
+      else ownsFFTPass<T, kInv, 4>(cur, target, n, s, tw);
+    }
+    tw += 2 * (n - (n >> lg));
+    n >>= lg;
+    s <<= lg;
+    cur = target;
+    target = target.lo == out.lo ? tmp : out;
+  }
+  if constexpr (kBlocks) {
+    if (n == 8) LastPassBlocks<T, kInv, 8>(cur, out, s, scaled, sc);
+    else LastPassBlocks<T, kInv, 4>(cur, out, s, scaled, sc);
+    return;
+  }
+  const bool wide = s >= sd::kPairs<T>;
+  if (n == 8) {
+    if (wide) LastPass<T, kInv, 8, PairV<T>>(cur, out, s, scaled, sc);
+    else LastPass<T, kInv, 8, Pair1<T>>(cur, out, s, scaled, sc);
+  } else {
+    if (wide) LastPass<T, kInv, 4, PairV<T>>(cur, out, s, scaled, sc);
+    else LastPass<T, kInv, 4, Pair1<T>>(cur, out, s, scaled, sc);
+  }
+}
+
+template <class T, bool kInv>
+void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  if (BlockPlan<T>(order)) StockhamPasses<T, kInv, true>(order, tw, in, out, tmp, scaled, scale);
+  else StockhamPasses<T, kInv, false>(order, tw, in, out, tmp, scaled, scale);
+}
+
+// Stockham twiddles of the direct kernels (orders 4 and 5), from the fixed table.
+template <class T, int kOrder> struct SmallTwiddles {
+  T v[2 * StockhamTwiddles(kOrder)];
+  constexpr SmallTwiddles() : v() {
+    ownsFFTFillStockham(v, kOrder, SineSource<T>{FixedTable<T>(), kFixedOrder});
+  }
+};
+template <class T> inline constexpr SmallTwiddles<T, 4> kSmallTw4{};
+template <class T> inline constexpr SmallTwiddles<T, 5> kSmallTw5{};
+
+// Transforms with the order fixed at compile time, so that every pass is unrolled: the direct
+// kernels of 1 .. 32 points (constant twiddles, a stack buffer) and the small tabled orders.
+template <class T, bool kInv, int kOrder>
+void StockhamN(const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  StockhamPasses<T, kInv, BlockPlan<T>(kOrder)>(kOrder, tw, in, out, tmp, scaled, scale);
+}
+template <class T, bool kInv, int kOrder>
+void DirectN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
+  alignas(16) T buf[2 << kOrder];
+  const T* tw = kOrder == 4 ? kSmallTw4<T>.v : kSmallTw5<T>.v;
+  StockhamPasses<T, kInv, BlockPlan<T>(kOrder)>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
+}
+template <class T, bool kInv>
+void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale) {
+  switch (order) {
+    case 0: {
+      const T re = in.lo[0], im = in.lo[1];
+      out.lo[0] = scaled ? re * scale : re;
+      out.lo[1] = scaled ? im * scale : im;
+      return;
+    }
+    case 1: return DirectN<T, kInv, 1>(in, out, scaled, scale);
+    case 2: return DirectN<T, kInv, 2>(in, out, scaled, scale);
+    case 3: return DirectN<T, kInv, 3>(in, out, scaled, scale);
+    case 4: return DirectN<T, kInv, 4>(in, out, scaled, scale);
+    default: return DirectN<T, kInv, 5>(in, out, scaled, scale);
+  }
+}
+// A single-level transform with the spec's twiddles; orders 6 and 7 unrolled.
+template <class T, bool kInv>
+void ownsFFTSingle(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  switch (order) {
+    case 6: return StockhamN<T, kInv, 6>(tw, in, out, tmp, scaled, scale);
+    case 7: return StockhamN<T, kInv, 7>(tw, in, out, tmp, scaled, scale);
+    default: return ownsFFTStockham<T, kInv>(order, tw, in, out, tmp, scaled, scale);
+  }
+}
+
+// ---- bit reversal ----------------------------------------------------------------------------
+
+// Reversal of the middle index of the 8 x 8-blocked permutation of order k >= 6: the middle
+// m has k - 6 bits, split into lo (the low m / 2 bits) and hi; the table holds rev(lo) for
+// every lo, then rev(hi) for every hi.
+struct RevTable {
+  const uint32_t* t;
+  int loBits, hiBits;
+  RevTable(const uint32_t* table, int order) : t(table), loBits((order - 6) / 2), hiBits(order - 6 - (order - 6) / 2) {}
+  uint32_t Rev(uint32_t m) const {
+    return (t[m & ((1u << loBits) - 1)] << hiBits) | t[(1u << loBits) + (m >> loBits)];
+  }
+};
+constexpr long long RevTableWords(int order) { return (1LL << ((order - 6) / 2)) + (1LL << (order - 6 - (order - 6) / 2)); }
+inline void ownsFFTFillRev(uint32_t* t, int order) {
+  auto rev = [](uint32_t v, int bits) {
+    uint32_t r = 0;
+    for (int i = 0; i < bits; ++i) r |= ((v >> i) & 1u) << (bits - 1 - i);
+    return r;
+  };
+  const int lo = (order - 6) / 2, hi = order - 6 - lo;
+  for (uint32_t v = 0; v < (1u << lo); ++v) t[v] = rev(v, lo);
+  for (uint32_t v = 0; v < (1u << hi); ++v) t[(1u << lo) + v] = rev(v, hi);
+}
+
+inline constexpr int kRev3[8] = {0, 4, 2, 6, 1, 5, 3, 7};
+
+// y[rev(n)] = x[n] for the 2^order points, order >= 6; x == y permutes in place.
+template <class T>
+void ownsFFTBitRev(Halves<T> x, Halves<T> y, int order, RevTable rt) {
+  const long long eighth = 1LL << (order - 3), blocks = 1LL << (order - 6);
+  const bool inPlace = x.lo == y.lo;
+  alignas(16) T a[128], b[128];
+  auto load = [&](T* buf, long long m) {
+    for (int r = 0; r < 8; ++r) std::memcpy(buf + 16 * r, x.At(r * eighth + 8 * m), 16 * sizeof(T));
+  };
+  // Element (r, c) of a block goes to row rev3(c), column rev3(r) of the partner block.
+  auto store = [&](const T* buf, long long m) {
+    for (int r = 0; r < 8; ++r) {
+      T* d = y.At(r * eighth + 8 * m);
+      for (int c = 0; c < 8; ++c) sd::Store1(sd::Load1(buf + 16 * kRev3[c] + 2 * kRev3[r]), d + 2 * c);
+    }
+  };
+  for (long long m = 0; m < blocks; ++m) {
+    const long long mr = rt.Rev(static_cast<uint32_t>(m));
+    if (inPlace && mr < m) continue;
+    load(a, m);
+    if (inPlace && mr != m) load(b, mr), store(b, m);
+    store(a, mr);
+  }
+}
+
+// ---- large transforms --------------------------------------------------------------------------
+
+// One level of the blocked plan: 2^order points as 2^b rows of 2^(order - b).
+struct Level {
+  int32_t order, block;
+  int32_t offA, offB, offSmall, offRowRev;  // byte offsets from the spec block
+};
+// Factor tables of a level: A[n1l - 1][k2] = W_N^(n1l k2) for 1 <= n1l < 2^bl, B[n1h - 1][k2] =
+// W_N^(2^bl n1h k2) for 1 <= n1h < 2^bh, so that W_N^(n1 k2) = A[n1l] B[n1h]; small[j] =
+// W_(2^b)^j for j < 2^(b-1).
+constexpr int LoBits(int block) { return block / 2; }
+
+template <class T> struct LargePlan {
+  const unsigned char* base;  // the spec block
+  const Level* levels;
+  int count;
+  const T* rowTw;  // Stockham twiddles of the innermost rows
+};
+
+// Two radix-2 steps across rows at distances h and 2h (rows x0..x3 at 0, h, 2h, 3h): the
+// first with twiddle wa = W_2h^j, the second with wb = W_4h^j (and -i wb), in place, on
+// blocks with the twiddles broadcast.
+template <bool kInv, class T>
+VSP_FFT_INLINE void Bfly22(CV<T>& x0, CV<T>& x1, CV<T>& x2, CV<T>& x3, const T* wa, const T* wb) {
+  const sd::Vec<T> ar = sd::Set1<T>(wa[0]), ai = sd::Set1<T>(wa[1]), br = sd::Set1<T>(wb[0]), bi = sd::Set1<T>(wb[1]);
+  x1 = CMul<kInv>(x1, ar, ai);
+  x3 = CMul<kInv>(x3, ar, ai);
+  const CV<T> a0 = CAdd(x0, x1), a1 = CSub(x0, x1);
+  const CV<T> a2 = CMul<kInv>(CAdd(x2, x3), br, bi), a3 = CRot<kInv>(CMul<kInv>(CSub(x2, x3), br, bi));
+  x0 = CAdd(a0, a2), x2 = CSub(a0, a2), x1 = CAdd(a1, a3), x3 = CSub(a1, a3);
+}
+
+// The column pass of one level: batches of `cols` columns; row j (holding the decimated
+// sequence n1 = rev_b(j)) is multiplied by W_N^(n1 k2) while it is gathered into the work
+// buffer as blocks, together with the first radix-2x2 step across the rows (consecutive rows,
+// no twiddles); further steps run on the blocks in the work buffer, and the last one writes the
+// rows back, interleaved and in natural order, scaled when asked. The block order b is even;
+// the factor tables A and B hold their rows in blocks.
+template <class T, bool kInv>
+void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work, long long workPairs, bool scaled,
+                  T scale) {
+  constexpr int kL = sd::kLanes<T>;
+  const int b = lv.block, r = lv.order - b, bl = LoBits(b);
+  const long long n1 = 1LL << b, n2 = 1LL << r;
+  const T* tabA = reinterpret_cast<const T*>(pl.base + lv.offA);
+  const T* tabB = reinterpret_cast<const T*>(pl.base + lv.offB);
+  const T* small = reinterpret_cast<const T*>(pl.base + lv.offSmall);
+  long long cols = workPairs / n1;
+  const long long cap = (256 * 1024 / (2 * sizeof(T))) / n1;
+  if (cols > cap) cols = cap;
+  if (cols > n2) cols = n2;
+  const sd::Vec<T> sc = sd::Set1<T>(scale);
+  for (long long c0 = 0; c0 < n2; c0 += cols) {
+    for (long long g = 0; g < n1; g += 4) {
+      const T* src[4];
+      const T* fa[4];
+      const T* fb[4];
+      for (int i = 0; i < 4; ++i) {
+        long long v = 0;
+        for (int bit = 0; bit < b; ++bit) v |= ((g + i) >> bit & 1) << (b - 1 - bit);
+        const long long lo = v & ((1LL << bl) - 1), hi = v >> bl;
+        src[i] = d.At((g + i) * n2 + c0);
+        fa[i] = lo ? tabA + 2 * ((lo - 1) * n2 + c0) : nullptr;
+        fb[i] = hi ? tabB + 2 * ((hi - 1) * n2 + c0) : nullptr;
+      }
+      T* w0 = work + 2 * g * cols;
+      for (long long t = 0; t < cols; t += kL) {
+        CV<T> x[4];
+        for (int i = 0; i < 4; ++i) {
+          x[i] = LoadInterleaved(src[i] + 2 * t);
+          if (fa[i]) x[i] = CMul<kInv>(x[i], sd::LoadU(fa[i] + 2 * t), sd::LoadU(fa[i] + 2 * t + kL));
+          if (fb[i]) x[i] = CMul<kInv>(x[i], sd::LoadU(fb[i] + 2 * t), sd::LoadU(fb[i] + 2 * t + kL));
+        }
+        // Rows in bit-reversed order: the 4-point DFT of (x0, x2, x1, x3).
+        BlockBfly4<kInv>(x[0], x[2], x[1], x[3], x[0], x[1], x[2], x[3]);
+        for (int i = 0; i < 4; ++i) StoreBlock(x[i], w0 + 2 * (i * cols + t));
+      }
+    }
+    for (long long h = 4; h < n1; h *= 4) {
+      const bool last = 4 * h == n1;
+      for (long long jj = 0; jj < h; ++jj) {
+        const T* wa = small + 2 * (jj * (n1 / (2 * h)));
+        const T* wb = small + 2 * (jj * (n1 / (4 * h)));
+        for (long long g = 0; g < n1; g += 4 * h) {
+          T* in[4];
+          T* out[4];
+          for (int i = 0; i < 4; ++i) {
+            in[i] = work + 2 * (g + jj + i * h) * cols;
+            out[i] = last ? d.At((g + jj + i * h) * n2 + c0) : in[i];
+          }
+          for (long long t = 0; t < cols; t += kL) {
+            CV<T> x[4];
+            for (int i = 0; i < 4; ++i) x[i] = LoadBlock(in[i] + 2 * t);
+            Bfly22<kInv>(x[0], x[1], x[2], x[3], wa, wb);
+            for (int i = 0; i < 4; ++i) {
+              if (!last) {
+                StoreBlock(x[i], out[i] + 2 * t);
+                continue;
+              }
+              if (scaled) x[i] = {sd::Mul(x[i].re, sc), sd::Mul(x[i].im, sc)};
+              StoreInterleaved(x[i], out[i] + 2 * t);
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
+// Out-of-place first step of the blocked plan: row rev_b(n1) of y receives x[n1 + 2^b n2] in
+// natural order of n2, taking eight consecutive n1 at a time so that every read is a run of
+// eight values and every row is written in order.
+template <class T>
+void ownsFFTGatherRows(Halves<T> x, Halves<T> y, int order, int block) {
+  const long long n1 = 1LL << block, n2 = 1LL << (order - block);
+  for (long long t = 0; t < n1; t += 8) {
+    T* rows[8];
+    for (int i = 0; i < 8; ++i) {
+      long long v = 0;
+      for (int bit = 0; bit < block; ++bit) v |= ((t + i) >> bit & 1) << (block - 1 - bit);
+      rows[i] = y.At(v * n2);
+    }
+    for (long long k2 = 0; k2 < n2; ++k2) {
+      const T* run = x.At(t + n1 * k2);
+      for (int i = 0; i < 8; ++i) sd::Store1(sd::Load1(run + 2 * i), rows[i] + 2 * k2);
+    }
+  }
+}
+
+// The transform of level li in place on d, whose rows hold their decimated sequences in
+// bit-reversed order (natural false) or in natural order (natural true).
+template <class T, bool kInv>
+void LargeCore(const LargePlan<T>& pl, int li, Halves<T> d, T* work, long long workPairs, bool scaled, T scale,
+               bool natural) {
+  const Level& lv = pl.levels[li];
+  const int r = lv.order - lv.block;
+  const long long n1 = 1LL << lv.block, n2 = 1LL << r;
+  const RevTable rt(reinterpret_cast<const uint32_t*>(pl.base + lv.offRowRev), r);
+  for (long long j = 0; j < n1; ++j) {
+    const Halves<T> row = Whole(d.At(j * n2), n2);
+    if (li + 1 < pl.count) {
+      if (natural) ownsFFTBitRev(row, row, r, rt);
+      LargeCore<T, kInv>(pl, li + 1, row, work, workPairs, false, T(0), false);
+    } else if (natural) {
+      ownsFFTStockham<T, kInv>(r, pl.rowTw, row, row, Whole(work, n2), false, T(0));
+    } else {
+      ownsFFTBitRev(row, Whole(work, n2), r, rt);
+      ownsFFTStockham<T, kInv>(r, pl.rowTw, Whole(work, n2), row, Whole(work, n2), false, T(0));
+    }
+  }
+  ColumnPasses<T, kInv>(pl, lv, d, work, workPairs, scaled, scale);
+}
+
+// ---- real recombination ----------------------------------------------------------------------
+
+// Twiddles of the recombination of a real transform of N points (M = N/2 complex values):
+// forward U_k = -i W_N^k / 2, inverse V_k = i conj(W_N^k), for k < N/4. Held whole (f = 0) or,
+// for large N, factored: U_k = U_(k mod f) * W_N^(f (k / f)) (inverse: V_(k mod f) *
+// conj W_N^(f (k / f))), f values of the first table followed by N / (4f) of the second.
+template <class T> struct RecTable {
+  const T* t;
+  long long f;
+  // The twiddles of k and, for two complex floats per vector, k + 1.
+  sd::Vec<T> Get(long long k) const {
+    if (f == 0) {
+      if constexpr (sd::kPairs<T> == 2) return sd::LoadU(t + 2 * k);
+      else return sd::Load1(t + 2 * k);
+    }
+    const T* second = t + 2 * f;
+    if constexpr (sd::kPairs<T> == 2) {
+      sd::Vec<T> u = sd::Load2(t + 2 * (k % f), t + 2 * ((k + 1) % f));
+      return sd::MulComplex(u, sd::Load2(second + 2 * (k / f), second + 2 * ((k + 1) / f)));
+    } else {
+      return sd::MulComplex(sd::Load1(t + 2 * (k % f)), sd::Load1(second + 2 * (k / f)));
+    }
+  }
+};
+
+// The pairs (k, M - k), 1 <= k < M/2, of a recombination in place on M complex values: `pair`
+// maps the values at k and M - k and the twiddle of k to the new values.
+template <class T, class Pair> VSP_FFT_INLINE void RecombinePairs(T* z, long long m, RecTable<T> tw, Pair pair) {
+  using V = sd::Vec<T>;
+  constexpr int P = sd::kPairs<T>;
+  long long k = 1;
+  for (; k + P <= m / 2; k += P) {
+    V a, b;
+    pair(sd::LoadU(z + 2 * k), sd::ReversePairs(sd::LoadU(z + 2 * (m - k - P + 1))), tw.Get(k), a, b);
+    sd::StoreU(a, z + 2 * k);
+    sd::StoreU(sd::ReversePairs(b), z + 2 * (m - k - P + 1));
+  }
+  for (; k < m / 2; ++k) {
+    V a, b;
+    pair(sd::Load1(z + 2 * k), sd::Load1(z + 2 * (m - k)), tw.Get(k), a, b);
+    sd::Store1(a, z + 2 * k);
+    sd::Store1(b, z + 2 * (m - k));
+  }
+}
+
+// Fills the first `count` recombination twiddles of an n-point real transform: forward
+// U_j = -i W_n^j / 2 = (wi / 2, -wr / 2), inverse V_j = i conj W_n^j = (wi, wr).
+template <class T> constexpr void ownsFFTFillRec(T* t, long long count, long long n, bool inv, SineSource<T> src) {
+  for (long long j = 0; j < count; ++j) {
+    T wr, wi;
+    src.Twiddle(j, n, wr, wi);
+    t[2 * j] = inv ? wi : wi * T(0.5);
+    t[2 * j + 1] = inv ? wr : -wr * T(0.5);
+  }
+}
+// The whole tables of the real orders 2..5, which have no tables in their spec.
+template <class T, int kOrder> struct SmallRec {
+  static constexpr long long kN = 1LL << kOrder;
+  T fwd[kN / 2], inv[kN / 2];
+  constexpr SmallRec() : fwd(), inv() {
+    ownsFFTFillRec(fwd, kN / 4, kN, false, SineSource<T>{FixedTable<T>(), kFixedOrder});
+    ownsFFTFillRec(inv, kN / 4, kN, true, SineSource<T>{FixedTable<T>(), kFixedOrder});
+  }
+};
+template <class T> inline constexpr SmallRec<T, 2> kRec2{};
+template <class T> inline constexpr SmallRec<T, 3> kRec3{};
+template <class T> inline constexpr SmallRec<T, 4> kRec4{};
+template <class T> inline constexpr SmallRec<T, 5> kRec5{};
+template <class T> constexpr const T* SmallRecTable(int order, bool inv) {
+  switch (order) {
+    case 2: return inv ? kRec2<T>.inv : kRec2<T>.fwd;
+    case 3: return inv ? kRec3<T>.inv : kRec3<T>.fwd;
+    case 4: return inv ? kRec4<T>.inv : kRec4<T>.fwd;
+    default: return inv ? kRec5<T>.inv : kRec5<T>.fwd;
+  }
+}
+
+// Forward recombination in place on the M = N/2 complex results Z of the half-length transform:
+// X(k) = A/2 + U_k B, X(M - k) = conj(A/2 - U_k B) with A = Z(k) + conj Z(M - k), B = Z(k) -
+// conj Z(M - k); X(M/2) = conj Z(M/2); slot 0 becomes (X(0), X(M)) = (Re Z0 + Im Z0, Re Z0 -
+// Im Z0): the Perm layout. Every value is multiplied by `scale` when `scaled`.
+template <class T>
+void ownsFFTRecombineFwd(T* z, long long m, RecTable<T> tw, bool scaled, T scale) {
+  using V = sd::Vec<T>;
+  const V half = sd::Set1<T>(T(0.5)), sc = sd::Set1<T>(scale);
+  RecombinePairs(z, m, tw, [&](V zk, V zm, V u, V& xk, V& xm) {
+    zm = sd::Conj(zm);
+    V a = sd::Mul(sd::Add(zk, zm), half), c = sd::MulComplex(sd::Sub(zk, zm), u);
+    xk = sd::Add(a, c);
+    xm = sd::Conj(sd::Sub(a, c));
+    if (scaled) xk = sd::Mul(xk, sc), xm = sd::Mul(xm, sc);
+  });
+  V mid = sd::Conj(sd::Load1(z + m));
+  sd::Store1(scaled ? sd::Mul(mid, sc) : mid, z + m);
+  const T re = z[0], im = z[1];
+  z[0] = scaled ? (re + im) * scale : re + im;
+  z[1] = scaled ? (re - im) * scale : re - im;
+}
+
+// Inverse recombination in place on a Perm spectrum (M complex slots) into the values Z' whose
+// unscaled inverse transform of M points is N times the real signal seen as M complex values:
+// Z'(k) = A + V_k C, Z'(M - k) = conj(A - V_k C), A = X(k) + conj X(M - k), C = X(k) - conj
+// X(M - k); Z'(M/2) = 2 conj X(M/2); Z'(0) = (X0 + X(M), X0 - X(M)).
+template <class T>
+void ownsFFTRecombineInv(T* z, long long m, RecTable<T> tw) {
+  using V = sd::Vec<T>;
+  RecombinePairs(z, m, tw, [](V xk, V xm, V v, V& zk, V& zm) {
+    xm = sd::Conj(xm);
+    V a = sd::Add(xk, xm), d = sd::MulComplex(sd::Sub(xk, xm), v);
+    zk = sd::Add(a, d);
+    zm = sd::Conj(sd::Sub(a, d));
+  });
+  V mid = sd::Conj(sd::Load1(z + m));
+  sd::Store1(sd::Add(mid, mid), z + m);
+  const T x0 = z[0], xm = z[1];
+  z[0] = x0 + xm;
+  z[1] = x0 - xm;
+}
+
+}  // namespace vsp::fft
