@@ -33,8 +33,9 @@ D RoundQuotient(W n, W d, int s, VspRoundMode mode) {
     if (s >= kBits - 1 || (ud >> (kBits - 1 - s)) != 0) return D(0);  // d * 2^s >= 2^(kBits-1) > 4n
     ud <<= s;
   } else if (s < 0) {
+    if (s <= -(kBits - 1)) return saturated;  // tested before negating: s may be INT_MIN
     const int k = -s;
-    if (k >= kBits - 1 || un > (~U(0) >> (k + 1))) return saturated;  // n * 2^k >= 2^(kBits-1) > d * max
+    if (un > (~U(0) >> (k + 1))) return saturated;  // n * 2^k >= 2^(kBits-1) > d * max
     un <<= k;
   }
   U q = un / ud;

@@ -31,7 +31,7 @@ struct LaneScaler {
       half = hw::Set1<L>(static_cast<L>(h));
       lowMask = hw::Set1<L>(static_cast<L>(2 * h - 1));
     }
-    if (s < 0 && -s < kLaneBits) {
+    if (s < 0 && s > -kLaneBits) {
       left = -s;
       const long long dmax = static_cast<long long>(kMaxOf<D>), dmin = static_cast<long long>(kMinOf<D>);
       if constexpr (sizeof(L) > sizeof(D)) {

@@ -206,7 +206,7 @@ Vsp32s ScaleRule128(__int128 s, int scaleFactor) {
     if (scaleFactor > 100) return 0;
     return Saturate<Vsp32s>(RoundShiftEven(s, scaleFactor));
   }
-  if (-scaleFactor >= 32) return s > 0 ? kMaxOf<Vsp32s> : kMinOf<Vsp32s>;
+  if (scaleFactor <= -32) return s > 0 ? kMaxOf<Vsp32s> : kMinOf<Vsp32s>;
   return Saturate<Vsp32s>(s * (static_cast<__int128>(1) << -scaleFactor));
 }
 
