@@ -74,15 +74,23 @@ Extremes<T> ownsExtremesFrom(const T* p, long long n, T init) {
   for (const long long head = AlignHead(p, n); i < head; ++i) scalar(i);
   hw::Vec<T> lo[kAcc], hi[kAcc];
   for (int j = 0; j < kAcc; ++j) lo[j] = hi[j] = hw::Set1(init);
-  auto load = [p](long long at) { return K::Of(kAligned ? hw::Load(p + at) : hw::LoadU(p + at)); };
+  // With both extremes wanted each vector meets two compares: pinned in a register it is loaded
+  // once and copied, instead of loaded again as the second compare's memory operand.
+  auto load = [p](long long at) {
+    const hw::Vec<T> v = kAligned ? hw::Load(p + at) : hw::LoadU(p + at);
+    return K::Of(kWantMin && kWantMax ? hw::Pin(v) : v);
+  };
   if constexpr (kWantMin && kWantMax && hw::kIsInt<T>) {
     // Exact integers: each pair of vectors is split into its smaller and larger lanes first, so
-    // every vector meets one compare on its way to each accumulator.
-    for (; i + 2 * kAcc * kL <= n; i += 2 * kAcc * kL) {
-      for (int j = 0; j < kAcc; ++j) {
+    // every vector meets one compare on its way to each accumulator. The chains then take one
+    // compare per pair: two accumulators of each kind keep pace with the loads, and the few live
+    // registers spare the copies a register-starved loop would make.
+    constexpr int kPairs = 8;
+    for (; i + 2 * kPairs * kL <= n; i += 2 * kPairs * kL) {
+      for (int j = 0; j < kPairs; ++j) {
         const hw::Vec<T> a = load(i + 2 * j * kL), b = load(i + (2 * j + 1) * kL);
-        lo[j] = Lo::Of(Lo::Of(a, b), lo[j]);
-        hi[j] = Hi::Of(Hi::Of(a, b), hi[j]);
+        lo[j % 2] = Lo::Of(Lo::Of(a, b), lo[j % 2]);
+        hi[j % 2] = Hi::Of(Hi::Of(a, b), hi[j % 2]);
       }
     }
   }
