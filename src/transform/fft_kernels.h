@@ -30,6 +30,8 @@ namespace sd = vsp::simd;
 // Inlined into their callers, so that the direct kernels see every length and stride as a
 // constant and unroll completely.
 #define VSP_FFT_INLINE [[gnu::always_inline]] inline
+// Kept out of line: each pass compiles to its own tight loop.
+#define VSP_FFT_NOINLINE [[gnu::noinline]]
 
 template <class T> struct Halves {
   T* lo;
@@ -63,108 +65,6 @@ VSP_FFT_INLINE void Bfly8(sd::Vec<T>* x) {
   b[3] = sd::MulRot<kInv>(sd::Mul(sd::Add(b[3], sd::MulRot<kInv>(b[3])), h));
   Bfly4<kInv>(a[0], a[1], a[2], a[3], x[0], x[2], x[4], x[6]);
   Bfly4<kInv>(b[0], b[1], b[2], b[3], x[1], x[3], x[5], x[7]);
-}
-
-// ---- Stockham passes ------------------------------------------------------------------------
-
-// Complex values to move per step: a whole vector when the run is long enough, else one.
-template <class T> struct Pair1 {
-  static sd::Vec<T> Load(const T* p) { return sd::Load1(p); }
-  static void Store(sd::Vec<T> v, T* p) { sd::Store1(v, p); }
-  static constexpr int kStep = 1;
-};
-template <class T> struct PairV {
-  static sd::Vec<T> Load(const T* p) { return sd::LoadU(p); }
-  static void Store(sd::Vec<T> v, T* p) { sd::StoreU(v, p); }
-  static constexpr int kStep = sd::kPairs<T>;
-};
-
-// The DFT of R = 4 or 8 values in registers, in place, outputs in natural order.
-template <bool kInv, int kR, class T> VSP_FFT_INLINE void DftInRegs(sd::Vec<T>* v) {
-  if constexpr (kR == 4) Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
-  else Bfly8<kInv, T>(v);
-}
-
-// One radix-R pass (R = 4 or 8) of an N-point transform at length n, stride s (n * s = N,
-// n >= 4R): y[q + s(Rp + k)] = W_n^(kp) * DFT_R(x[q + s(p + k n/R)]) over p < n/R, q < s. tw
-// holds W_n^(kp) for k = 1 .. R-1 as R-1 arrays of n/R. Inputs k < R/2 lie in the low half,
-// the others in the high half; outputs of p < n/2R in the low half.
-template <class T, bool kInv, int kR>
-VSP_FFT_INLINE void ownsFFTPass(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
-  using V = sd::Vec<T>;
-  constexpr int kH = kR / 2;
-  const long long m = n / kR, mh = m / 2, stride = s * m;
-  for (int half = 0; half < 2; ++half) {
-    T* yb = half ? y.hi : y.lo;
-    const long long p0 = half * mh;
-    if (s >= sd::kPairs<T>) {
-      for (long long pp = 0; pp < mh; ++pp) {
-        const long long p = p0 + pp;
-        const T* xa = x.lo + 2 * s * p;
-        const T* xe = x.hi + 2 * s * p;
-        T* ya = yb + 2 * s * kR * pp;
-        for (long long q = 0; q < s; q += sd::kPairs<T>) {
-          V v[kR];
-          for (int j = 0; j < kH; ++j)
-            v[j] = sd::LoadU(xa + 2 * (q + j * stride)), v[j + kH] = sd::LoadU(xe + 2 * (q + j * stride));
-          DftInRegs<kInv, kR, T>(v);
-          sd::StoreU(v[0], ya + 2 * q);
-          for (int j = 1; j < kR; ++j)
-            sd::StoreU(sd::MulTwiddle<kInv>(v[j], sd::LoadBroadcast1(tw + 2 * ((j - 1) * m + p))), ya + 2 * (q + j * s));
-        }
-      }
-    } else if constexpr (sd::kPairs<T> == 2) {
-      // s == 1 with two complex floats per vector: p and p + 1 side by side.
-      for (long long pp = 0; pp < mh; pp += 2) {
-        const long long p = p0 + pp;
-        V v[kR];
-        for (int j = 0; j < kH; ++j)
-          v[j] = sd::LoadU(x.lo + 2 * (p + j * stride)), v[j + kH] = sd::LoadU(x.hi + 2 * (p + j * stride));
-        DftInRegs<kInv, kR, T>(v);
-        for (int j = 1; j < kR; ++j) v[j] = sd::MulTwiddle<kInv>(v[j], sd::LoadU(tw + 2 * ((j - 1) * m + p)));
-        T* ya = yb + 2 * kR * pp;
-        for (int j = 0; j < kR; j += 2) {
-          sd::StoreU(sd::PairsLo(v[j], v[j + 1]), ya + 2 * j);
-          sd::StoreU(sd::PairsHi(v[j], v[j + 1]), ya + 2 * kR + 2 * j);
-        }
-      }
-    }
-  }
-}
-
-// The passes of a Stockham transform of order k >= 2: radix-8 passes while they leave at least
-// 8 points, radix-4 passes, then one twiddle-free radix-4 or radix-8 pass. Returns the log2 of
-// the radix of pass i, 0 past the last pass; the last pass is the one whose radix is the
-// remaining length.
-constexpr int PassLog(int k, int i) {
-  const int e = k % 3 == 0 ? 3 : 2;               // last pass
-  const int r4 = k % 3 == 1 ? 1 : 0;              // one radix-4 pass when k = 1 (mod 3)
-  const int r8 = (k - e - 2 * r4) / 3;
-  if (i < r8) return 3;
-  if (i < r8 + r4) return 2;
-  return i == r8 + r4 ? e : 0;
-}
-constexpr int PassCount(int k) {
-  int c = 0;
-  while (PassLog(k, c)) ++c;
-  return c;
-}
-
-// The last pass, without twiddles: radix R = 4 or 8 at stride s = N/R, reading x and writing
-// the same positions of y (x may be y), each output multiplied by `scale` when `scaled`.
-template <class T, bool kInv, int kR, class Mv>
-VSP_FFT_INLINE void LastPass(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
-  constexpr int kH = kR / 2;
-  for (long long q = 0; q < s; q += Mv::kStep) {
-    sd::Vec<T> v[kR];
-    for (int j = 0; j < kH; ++j) v[j] = Mv::Load(x.lo + 2 * (q + j * s)), v[j + kH] = Mv::Load(x.hi + 2 * (q + j * s));
-    DftInRegs<kInv, kR, T>(v);
-    for (int j = 0; j < kH; ++j) {
-      if (scaled) v[j] = sd::Mul(v[j], sc), v[j + kH] = sd::Mul(v[j + kH], sc);
-      Mv::Store(v[j], y.lo + 2 * (q + j * s));
-      Mv::Store(v[j + kH], y.hi + 2 * (q + j * s));
-    }
-  }
 }
 
 // ---- block passes ------------------------------------------------------------------------
@@ -245,164 +145,170 @@ template <class T> VSP_FFT_INLINE void StoreInterleaved(CV<T> v, T* p) {
 
 // The first pass (stride 1) from interleaved input to blocks, over L groups p at a time. Its
 // twiddles are stored in blocks too: for each k, L real parts then L imaginary parts per p-block.
+// ---- single-level passes -----------------------------------------------------------------------
+//
+// A transform of N = 2^order points (order >= 4) runs as passes of radix R = 4 or 8 in the
+// self-sorting decimation-in-time order: after the passes with radices R_1 .. R_t, whose product
+// is L, position b L + k (k < L) holds the L-point DFT of the decimated sequence x[b + m N / L].
+// The pass from length Ls to L = R Ls reads positions i + j N/R (i = b Ls + k, j < R), multiplies
+// input j by W_L^(jk), and writes the R-point DFT to positions b L + k + r Ls (r < R).
+//
+// Between the passes the data is held in blocks of kLanes complex values, the real parts then the
+// imaginary parts, so that complex products and quarter-turns need no shuffles and the twiddles of
+// a pass are loaded per lane, never broadcast. The first pass (Ls = 1, no twiddles) reads the
+// interleaved input and transposes its outputs into blocks; the last one (L = N) writes the
+// interleaved output, in place when its source is the destination.
+
+// log2 of the radix of pass i of a transform of order k >= 4, 0 past the last pass: radix-4
+// passes first where the order is not a multiple of 3, radix 8 after them.
+constexpr int PassLog(int k, int i) {
+  const int lead = k % 3 == 0 ? 0 : k % 3 == 1 ? 2 : 1;
+  const int count = lead + (k - 2 * lead) / 3;
+  return i >= count ? 0 : i < lead ? 2 : 3;
+}
+constexpr int PassCount(int k) {
+  int c = 0;
+  while (PassLog(k, c)) ++c;
+  return c;
+}
+// Complex values of the twiddle table of a transform of order k >= 4: (R - 1) Ls for every pass
+// after the first, N - R_1 in all.
+constexpr long long StockhamTwiddles(int order) { return (1LL << order) - (1LL << PassLog(order, 0)); }
+
+// Fills the table: for each pass after the first, for each block of kLanes values of k, for
+// j = 1 .. R-1, the block of W_L^(jk).
+template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSource<T> src) {
+  constexpr int kL = sd::kLanes<T>;
+  long long ls = 1LL << PassLog(order, 0);
+  for (int i = 1; i < PassCount(order); ls <<= PassLog(order, i), ++i) {
+    const long long radix = 1LL << PassLog(order, i), len = radix * ls;
+    for (long long kb = 0; kb < ls; kb += kL)
+      for (long long j = 1; j < radix; ++j, dst += 2 * kL)
+        for (int l = 0; l < kL; ++l) src.Twiddle(j * (kb + l), len, dst[l], dst[kL + l]);
+  }
+}
+
+// The first pass: inputs x[i + j N/R] (interleaved; j < R/2 in the low half), outputs, transposed
+// into blocks, at positions R i + r.
 template <class T, bool kInv, int kR>
-VSP_FFT_INLINE void FirstPassBlocks(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+VSP_FFT_NOINLINE void FirstPass(Halves<T> x, Halves<T> y, long long n) {
   constexpr int kL = sd::kLanes<T>, kH = kR / 2;
-  const long long m = n / kR, mh = m / 2;
-  for (int half = 0; half < 2; ++half) {
-    T* yb = half ? y.hi : y.lo;
-    for (long long pp = 0; pp < mh; pp += kL) {
-      const long long p = half * mh + pp;
+  const long long m = n / kR, mh = n / 2;
+  for (long long i = 0; i < m; i += kL) {
+    T* yb = kR * i < mh ? y.lo + 2 * kR * i : y.hi + 2 * (kR * i - mh);
+    if constexpr (sd::kPairs<T> == 2) {
+      // Floats: the DFT runs on the interleaved values (two per vector, i and i + 1), and one
+      // transposition per four outputs of a pair makes the blocks, with no separate deinterleave.
+      for (int p = 0; p < 2; ++p) {
+        sd::Vec<T> v[kR];
+        for (int j = 0; j < kH; ++j)
+          v[j] = sd::LoadU(x.lo + 2 * (i + 2 * p + j * m)), v[j + kH] = sd::LoadU(x.hi + 2 * (i + 2 * p + j * m));
+        if constexpr (kR == 4) Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
+        else Bfly8<kInv, T>(v);
+        for (int c = 0; c < kR / 4; ++c) {
+          const sd::Vec<T>* w = v + 4 * c;
+          const sd::Vec<T> lo01 = sd::PairsLo(w[0], w[1]), lo23 = sd::PairsLo(w[2], w[3]);
+          const sd::Vec<T> hi01 = sd::PairsHi(w[0], w[1]), hi23 = sd::PairsHi(w[2], w[3]);
+          T* d = yb + 2 * (kR * 2 * p + 4 * c);
+          StoreBlock(CV<T>{sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)}, d);
+          StoreBlock(CV<T>{sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)}, d + 2 * kR);
+        }
+      }
+    } else {
       CV<T> v[kR];
       for (int j = 0; j < kH; ++j)
-        v[j] = LoadInterleaved(x.lo + 2 * (p + j * m)), v[j + kH] = LoadInterleaved(x.hi + 2 * (p + j * m));
+        v[j] = LoadInterleaved(x.lo + 2 * (i + j * m)), v[j + kH] = LoadInterleaved(x.hi + 2 * (i + j * m));
       BlockDft<kInv, kR, T>(v);
-      for (int k = 1; k < kR; ++k) {
-        const T* w = tw + 2 * ((k - 1) * m + p);
-        v[k] = CMul<kInv>(v[k], sd::LoadU(w), sd::LoadU(w + kL));
-      }
-      // Lane l of v[k] is output R (p + l) + k: L consecutive k, transposed, make the blocks.
+      // Lane l of v[r] is output R (i + l) + r: kLanes consecutive r, transposed, make a block.
       for (int c = 0; c < kR / kL; ++c) {
         sd::Vec<T> re[kL], im[kL];
         for (int t = 0; t < kL; ++t) re[t] = v[c * kL + t].re, im[t] = v[c * kL + t].im;
         sd::Transpose(re);
         sd::Transpose(im);
-        for (int l = 0; l < kL; ++l) StoreBlock(CV<T>{re[l], im[l]}, yb + 2 * (kR * (pp + l) + c * kL));
+        for (int l = 0; l < kL; ++l) StoreBlock(CV<T>{re[l], im[l]}, yb + 2 * (kR * l + c * kL));
       }
     }
   }
-}
-// A middle pass on blocks (stride s >= L), twiddles as in the interleaved passes.
-template <class T, bool kInv, int kR>
-VSP_FFT_INLINE void MidPassBlocks(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
-  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
-  const long long m = n / kR, mh = m / 2, stride = s * m;
-  for (int half = 0; half < 2; ++half) {
-    T* yb = half ? y.hi : y.lo;
-    for (long long pp = 0; pp < mh; ++pp) {
-      const long long p = half * mh + pp;
-      const T* xa = x.lo + 2 * s * p;
-      const T* xe = x.hi + 2 * s * p;
-      T* ya = yb + 2 * s * kR * pp;
-      for (long long q = 0; q < s; q += kL) {
-        CV<T> v[kR];
-        for (int j = 0; j < kH; ++j)
-          v[j] = LoadBlock(xa + 2 * (q + j * stride)), v[j + kH] = LoadBlock(xe + 2 * (q + j * stride));
-        BlockDft<kInv, kR, T>(v);
-        StoreBlock(v[0], ya + 2 * q);
-        for (int k = 1; k < kR; ++k) {
-          const T* w = tw + 2 * ((k - 1) * m + p);
-          StoreBlock(CMul<kInv>(v[k], sd::Set1<T>(w[0]), sd::Set1<T>(w[1])), ya + 2 * (q + k * s));
-        }
-      }
-    }
-  }
-}
-// The last pass from blocks to interleaved output (stride s = N/R >= L), in place or not.
-template <class T, bool kInv, int kR>
-VSP_FFT_INLINE void LastPassBlocks(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
-  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
-  for (long long q = 0; q < s; q += kL) {
-    CV<T> v[kR];
-    for (int j = 0; j < kH; ++j) v[j] = LoadBlock(x.lo + 2 * (q + j * s)), v[j + kH] = LoadBlock(x.hi + 2 * (q + j * s));
-    BlockDft<kInv, kR, T>(v);
-    for (int j = 0; j < kH; ++j) {
-      if (scaled) {
-        v[j] = {sd::Mul(v[j].re, sc), sd::Mul(v[j].im, sc)};
-        v[j + kH] = {sd::Mul(v[j + kH].re, sc), sd::Mul(v[j + kH].im, sc)};
-      }
-      StoreInterleaved(v[j], y.lo + 2 * (q + j * s));
-      StoreInterleaved(v[j + kH], y.hi + 2 * (q + j * s));
-    }
-  }
-}
-// Whether a transform of this order runs on blocks: two passes or more, and a first pass with
-// at least 16 groups (so at least L in each half); the smaller ones are faster interleaved.
-template <class T> constexpr bool BlockPlan(int order) {
-  static_assert(16 >= 2 * sd::kLanes<T>);
-  return order >= 2 && PassCount(order) >= 2 && ((1LL << order) >> PassLog(order, 0)) >= 16;
 }
 
-// Complex values of the twiddle table of the Stockham passes of an N-point transform: for each
-// pass but the last, of radix R at length n, W_n^(kp) for k = 1 .. R-1, p < n/R.
-constexpr long long StockhamTwiddles(int order) {
-  long long total = 0, n = 1LL << order;
-  for (int i = 0; i + 1 < PassCount(order); n >>= PassLog(order, i), ++i) total += n - (n >> PassLog(order, i));
-  return total;
+// Inputs of a twiddled pass: block j of R at xl + j is (j < R/2) or xh + (j - R/2) is, each
+// multiplied by its twiddle block (tw: R - 1 blocks of re, im).
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void LoadTwiddled(CV<T>* v, const T* xl, const T* xh, long long is, const T* tw) {
+  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  v[0] = LoadBlock(xl);
+  for (int j = 1; j < kR; ++j) {
+    CV<T> a = LoadBlock(j < kH ? xl + j * is : xh + (j - kH) * is);
+    a = {sd::Pin(a.re), sd::Pin(a.im)};
+    v[j] = CMul<kInv>(a, sd::Load(tw + 2 * kL * (j - 1)), sd::Load(tw + 2 * kL * (j - 1) + kL));
+  }
 }
-// Fills that table from a sine source.
-// The first pass of a block plan keeps its twiddles in blocks of L (see FirstPassBlocks).
-template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSource<T> src) {
+
+// A middle pass from length ls to R ls: blocks to blocks.
+template <class T, bool kInv, int kR>
+VSP_FFT_NOINLINE void MidPass(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
   constexpr int kL = sd::kLanes<T>;
-  long long n = 1LL << order;
-  for (int i = 0; i + 1 < PassCount(order); n >>= PassLog(order, i), ++i) {
-    const long long radix = 1LL << PassLog(order, i), m = n / radix;
-    const bool blocks = i == 0 && BlockPlan<T>(order);
-    for (long long k = 1; k < radix; ++k, dst += 2 * m)
-      for (long long p = 0; p < m; ++p) {
-        T& re = blocks ? dst[BlockRe<T>(p)] : dst[2 * p];
-        T& im = blocks ? dst[BlockRe<T>(p) + kL] : dst[2 * p + 1];
-        src.Twiddle(k * p, n, re, im);
-      }
+  const long long is = 2 * (n / kR), len = kR * ls, mh = n / 2;
+  for (long long b = 0; b < n / len; ++b) {
+    T* yb = b * len < mh ? y.lo + 2 * b * len : y.hi + 2 * (b * len - mh);
+    const T* xl = x.lo + 2 * b * ls;
+    const T* xh = x.hi + 2 * b * ls;
+    const T* t = tw;
+    for (long long k = 0; k < ls; k += kL, xl += 2 * kL, xh += 2 * kL, yb += 2 * kL, t += 2 * kL * (kR - 1)) {
+      CV<T> v[kR];
+      LoadTwiddled<T, kInv, kR>(v, xl, xh, is, t);
+      BlockDft<kInv, kR, T>(v);
+      for (int r = 0; r < kR; ++r) StoreBlock(v[r], yb + 2 * r * ls);
+    }
   }
 }
 
-// The whole transform of 2^order points (order >= 1) from `in` to `out` with `tmp` of N complex
-// values (any of them may coincide, except that tmp must differ from out).
-template <class T, bool kInv, bool kBlocks>
-VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+// The last pass (L = N): blocks at k + j N/R to interleaved values at the same positions, each
+// multiplied by `scale` when `scaled`; x may be y.
+template <class T, bool kInv, int kR>
+VSP_FFT_NOINLINE void LastPass(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
+  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  const long long s = n / kR, is = 2 * s;
   const sd::Vec<T> sc = sd::Set1<T>(scale);
-  const long long n0 = 1LL << order;
-  if (order == 1) {
-    sd::Vec<T> a = sd::Load1(in.lo), b = sd::Load1(in.hi);
-    sd::Vec<T> y0 = sd::Add(a, b), y1 = sd::Sub(a, b);
-    if (scaled) y0 = sd::Mul(y0, sc), y1 = sd::Mul(y1, sc);
-    sd::Store1(y0, out.lo);
-    sd::Store1(y1, out.hi);
-    return;
-  }
-  Halves<T> cur = in;
-  Halves<T> target = in.lo == tmp.lo ? out : tmp;
-  long long n = n0, s = 1;
-  for (int i = 0; i + 1 < PassCount(order); ++i) {
-    const int lg = PassLog(order, i);
-    if constexpr (kBlocks) {
-      if (i == 0) {
-        if (lg == 3) FirstPassBlocks<T, kInv, 8>(cur, target, n, tw);
-        else FirstPassBlocks<T, kInv, 4>(cur, target, n, tw);
-      } else {
-        if (lg == 3) MidPassBlocks<T, kInv, 8>(cur, target, n, s, tw);
-        else MidPassBlocks<T, kInv, 4>(cur, target, n, s, tw);
-      }
-    } else {
-      if (lg == 3) ownsFFTPass<T, kInv, 8>(cur, target, n, s, tw);
-      else ownsFFTPass<T, kInv, 4>(cur, target, n, s, tw);
+  for (long long k = 0; k < s; k += kL, tw += 2 * kL * (kR - 1)) {
+    CV<T> v[kR];
+    LoadTwiddled<T, kInv, kR>(v, x.lo + 2 * k, x.hi + 2 * k, is, tw);
+    BlockDft<kInv, kR, T>(v);
+    for (int r = 0; r < kR; ++r) {
+      if (scaled) v[r] = {sd::Mul(v[r].re, sc), sd::Mul(v[r].im, sc)};
+      StoreInterleaved(v[r], (r < kH ? y.lo : y.hi) + 2 * (k + (r % kH) * s));
     }
-    tw += 2 * (n - (n >> lg));
-    n >>= lg;
-    s <<= lg;
-    cur = target;
-    target = target.lo == out.lo ? tmp : out;
   }
-  if constexpr (kBlocks) {
-    if (n == 8) LastPassBlocks<T, kInv, 8>(cur, out, s, scaled, sc);
-    else LastPassBlocks<T, kInv, 4>(cur, out, s, scaled, sc);
-    return;
+}
+
+// The whole transform of 2^order points (order >= 4) from `in` to `out` with `tmp` of N complex
+// values (in may be out or tmp; tmp must differ from out).
+template <class T, bool kInv>
+VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  const long long n = 1LL << order;
+  const int count = PassCount(order);
+  // The first pass writes tmp, or out when the input is in tmp; the last pass writes out, in
+  // place when the pass before it wrote there.
+  Halves<T> cur = in.lo == tmp.lo ? out : tmp, next = in.lo == tmp.lo ? tmp : out;
+  if (PassLog(order, 0) == 3) FirstPass<T, kInv, 8>(in, cur, n);
+  else FirstPass<T, kInv, 4>(in, cur, n);
+  long long ls = 1LL << PassLog(order, 0);
+  for (int i = 1; i + 1 < count; ++i) {
+    if (PassLog(order, i) == 3) MidPass<T, kInv, 8>(cur, next, n, ls, tw);
+    else MidPass<T, kInv, 4>(cur, next, n, ls, tw);
+    tw += 2 * ((1LL << PassLog(order, i)) - 1) * ls;
+    ls <<= PassLog(order, i);
+    const Halves<T> t = cur;
+    cur = next;
+    next = t;
   }
-  const bool wide = s >= sd::kPairs<T>;
-  if (n == 8) {
-    if (wide) LastPass<T, kInv, 8, PairV<T>>(cur, out, s, scaled, sc);
-    else LastPass<T, kInv, 8, Pair1<T>>(cur, out, s, scaled, sc);
-  } else {
-    if (wide) LastPass<T, kInv, 4, PairV<T>>(cur, out, s, scaled, sc);
-    else LastPass<T, kInv, 4, Pair1<T>>(cur, out, s, scaled, sc);
-  }
+  if (PassLog(order, count - 1) == 3) LastPass<T, kInv, 8>(cur, out, n, tw, scaled, scale);
+  else LastPass<T, kInv, 4>(cur, out, n, tw, scaled, scale);
 }
 
 template <class T, bool kInv>
 void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
-  if (BlockPlan<T>(order)) StockhamPasses<T, kInv, true>(order, tw, in, out, tmp, scaled, scale);
-  else StockhamPasses<T, kInv, false>(order, tw, in, out, tmp, scaled, scale);
+  StockhamPasses<T, kInv>(order, tw, in, out, tmp, scaled, scale);
 }
 
 // Stockham twiddles of the direct kernels (orders 4 and 5), from the fixed table.
@@ -419,13 +325,31 @@ template <class T> inline constexpr SmallTwiddles<T, 5> kSmallTw5{};
 // kernels of 1 .. 32 points (constant twiddles, a stack buffer) and the small tabled orders.
 template <class T, bool kInv, int kOrder>
 void StockhamN(const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
-  StockhamPasses<T, kInv, BlockPlan<T>(kOrder)>(kOrder, tw, in, out, tmp, scaled, scale);
+  StockhamPasses<T, kInv>(kOrder, tw, in, out, tmp, scaled, scale);
+}
+// 2, 4 and 8 points in registers, one complex value per vector.
+template <class T, bool kInv, int kOrder>
+void TinyN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
+  constexpr int kN = 1 << kOrder, kH = kN / 2;
+  sd::Vec<T> v[kN];
+  for (int j = 0; j < kN; ++j) v[j] = sd::Load1(j < kH ? in.lo + 2 * j : in.hi + 2 * (j - kH));
+  if constexpr (kN == 2) {
+    const sd::Vec<T> a = v[0];
+    v[0] = sd::Add(a, v[1]);
+    v[1] = sd::Sub(a, v[1]);
+  } else if constexpr (kN == 4) {
+    Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
+  } else {
+    Bfly8<kInv, T>(v);
+  }
+  const sd::Vec<T> sc = sd::Set1<T>(scale);
+  for (int j = 0; j < kN; ++j) sd::Store1(scaled ? sd::Mul(v[j], sc) : v[j], j < kH ? out.lo + 2 * j : out.hi + 2 * (j - kH));
 }
 template <class T, bool kInv, int kOrder>
 void DirectN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   alignas(16) T buf[2 << kOrder];
   const T* tw = kOrder == 4 ? kSmallTw4<T>.v : kSmallTw5<T>.v;
-  StockhamPasses<T, kInv, BlockPlan<T>(kOrder)>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
+  StockhamPasses<T, kInv>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
 }
 template <class T, bool kInv>
 void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale) {
@@ -436,9 +360,9 @@ void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale)
       out.lo[1] = scaled ? im * scale : im;
       return;
     }
-    case 1: return DirectN<T, kInv, 1>(in, out, scaled, scale);
-    case 2: return DirectN<T, kInv, 2>(in, out, scaled, scale);
-    case 3: return DirectN<T, kInv, 3>(in, out, scaled, scale);
+    case 1: return TinyN<T, kInv, 1>(in, out, scaled, scale);
+    case 2: return TinyN<T, kInv, 2>(in, out, scaled, scale);
+    case 3: return TinyN<T, kInv, 3>(in, out, scaled, scale);
     case 4: return DirectN<T, kInv, 4>(in, out, scaled, scale);
     default: return DirectN<T, kInv, 5>(in, out, scaled, scale);
   }

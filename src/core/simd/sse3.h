@@ -101,6 +101,14 @@ template <class T> inline T GetLane0(Vec<T> v) {
   else return static_cast<T>(_mm_cvtsi128_si32(v.raw));
 }
 
+// The value as it stands, held in a register: no instruction is emitted, but the compiler may no
+// longer recompute it (a loaded value used twice is then copied, not loaded twice, which spares
+// the load ports of kernels that are bound by them).
+template <class T> inline Vec<T> Pin(Vec<T> v) {
+  __asm__("" : "+x"(v.raw));
+  return v;
+}
+
 // ---- bitwise ------------------------------------------------------------------------------
 
 namespace detail {
