@@ -272,7 +272,7 @@ VspStatus Split(uint32_t id, const T* srcRe, const T* srcIm, T* dstRe, T* dstIm,
     ownsFFTInterleave(srcRe, srcIm, dstRe, half);
     ownsFFTInterleave(srcRe + half, srcIm + half, dstIm, half);
   }
-  const Halves<T> d{dstRe, dstIm, half};
+  const Halves<T> d{dstRe, dstIm};
   RunComplex<T, kInv>(h, c, d, d, buf, scaled, h->scale);
   Zip(dstRe, half, work, cap, true);
   Zip(dstIm, half, work, cap, true);

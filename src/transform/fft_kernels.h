@@ -36,11 +36,11 @@ namespace sd = vsp::simd;
 template <class T> struct Halves {
   T* lo;
   T* hi;
-  long long half;  // complex elements in lo
-  T* At(long long i) const { return i < half ? lo + 2 * i : hi + 2 * (i - half); }
+  // Complex element i of an array of n.
+  T* At(long long i, long long n) const { return i < n / 2 ? lo + 2 * i : hi + 2 * (i - n / 2); }
 };
 // An ordinary interleaved array of n complex elements.
-template <class T> Halves<T> Whole(T* p, long long n) { return {p, p + 2 * (n / 2), n / 2}; }
+template <class T> Halves<T> Whole(T* p, long long n) { return {p, p + 2 * (n / 2)}; }
 
 // ---- butterflies ---------------------------------------------------------------------------
 
@@ -134,9 +134,15 @@ template <class T> VSP_FFT_INLINE void StoreBlock(CV<T> v, T* p) {
   sd::StoreU(v.re, p);
   sd::StoreU(v.im, p + sd::kLanes<T>);
 }
+// kLanes interleaved values at p as a block. Doubles take the two parts from overlapping loads
+// merged with a half load, which uses no shuffle unit.
 template <class T> VSP_FFT_INLINE CV<T> LoadInterleaved(const T* p) {
-  const sd::Vec<T> a = sd::LoadU(p), b = sd::LoadU(p + sd::kLanes<T>);
-  return {sd::RealParts(a, b), sd::ImagParts(a, b)};
+  if constexpr (sd::kPairs<T> == 1) {
+    return {sd::LoadLow(sd::LoadU(p + 1), p), sd::LoadLow(sd::LoadU(p + 2), p + 1)};
+  } else {
+    const sd::Vec<T> a = sd::LoadU(p), b = sd::LoadU(p + sd::kLanes<T>);
+    return {sd::RealParts(a, b), sd::ImagParts(a, b)};
+  }
 }
 template <class T> VSP_FFT_INLINE void StoreInterleaved(CV<T> v, T* p) {
   sd::StoreU(sd::InterleaveLo(v.re, v.im), p);
@@ -188,46 +194,45 @@ template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSou
   }
 }
 
-// The first pass: inputs x[i + j N/R] (interleaved; j < R/2 in the low half), outputs, transposed
-// into blocks, at positions R i + r.
+// The first pass: inputs x[i + j N/R] (interleaved; j < R/2 in the low half), outputs, in blocks,
+// at positions R i + r. The DFT runs on the interleaved values (kPairs consecutive i per vector),
+// and one transposition of each kLanes outputs of an i makes a block; no deinterleave is needed.
 template <class T, bool kInv, int kR>
-VSP_FFT_NOINLINE void FirstPass(Halves<T> x, Halves<T> y, long long n) {
-  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
-  const long long m = n / kR, mh = n / 2;
-  for (long long i = 0; i < m; i += kL) {
-    T* yb = kR * i < mh ? y.lo + 2 * kR * i : y.hi + 2 * (kR * i - mh);
-    if constexpr (sd::kPairs<T> == 2) {
-      // Floats: the DFT runs on the interleaved values (two per vector, i and i + 1), and one
-      // transposition per four outputs of a pair makes the blocks, with no separate deinterleave.
-      for (int p = 0; p < 2; ++p) {
-        sd::Vec<T> v[kR];
-        for (int j = 0; j < kH; ++j)
-          v[j] = sd::LoadU(x.lo + 2 * (i + 2 * p + j * m)), v[j + kH] = sd::LoadU(x.hi + 2 * (i + 2 * p + j * m));
-        if constexpr (kR == 4) Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
-        else Bfly8<kInv, T>(v);
-        for (int c = 0; c < kR / 4; ++c) {
-          const sd::Vec<T>* w = v + 4 * c;
-          const sd::Vec<T> lo01 = sd::PairsLo(w[0], w[1]), lo23 = sd::PairsLo(w[2], w[3]);
-          const sd::Vec<T> hi01 = sd::PairsHi(w[0], w[1]), hi23 = sd::PairsHi(w[2], w[3]);
-          T* d = yb + 2 * (kR * 2 * p + 4 * c);
-          StoreBlock(CV<T>{sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)}, d);
-          StoreBlock(CV<T>{sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)}, d + 2 * kR);
-        }
-      }
-    } else {
-      CV<T> v[kR];
-      for (int j = 0; j < kH; ++j)
-        v[j] = LoadInterleaved(x.lo + 2 * (i + j * m)), v[j + kH] = LoadInterleaved(x.hi + 2 * (i + j * m));
-      BlockDft<kInv, kR, T>(v);
-      // Lane l of v[r] is output R (i + l) + r: kLanes consecutive r, transposed, make a block.
-      for (int c = 0; c < kR / kL; ++c) {
-        sd::Vec<T> re[kL], im[kL];
-        for (int t = 0; t < kL; ++t) re[t] = v[c * kL + t].re, im[t] = v[c * kL + t].im;
-        sd::Transpose(re);
-        sd::Transpose(im);
-        for (int l = 0; l < kL; ++l) StoreBlock(CV<T>{re[l], im[l]}, yb + 2 * (kR * l + c * kL));
+VSP_FFT_INLINE void FirstPassBody(Halves<T> x, Halves<T> y, long long n) {
+  constexpr int kL = sd::kLanes<T>, kP = sd::kPairs<T>, kH = kR / 2;
+  const long long m = n / kR;
+  // kP lanes (kR kP outputs) at a time: at i + kP p and, when the loop covers both halves of the
+  // output (m / 2 >= kLanes), at the same place of the high half.
+  auto group = [&](long long i, int p, T* yb) {
+    sd::Vec<T> v[kR];
+    for (int j = 0; j < kH; ++j)
+      v[j] = sd::LoadU(x.lo + 2 * (i + kP * p + j * m)), v[j + kH] = sd::LoadU(x.hi + 2 * (i + kP * p + j * m));
+    if constexpr (kR == 4) Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
+    else Bfly8<kInv, T>(v);
+    for (int c = 0; c < kR / kL; ++c) {
+      const sd::Vec<T>* w = v + kL * c;
+      T* d = yb + 2 * kL * c;
+      if constexpr (kP == 2) {
+        const sd::Vec<T> lo01 = sd::PairsLo(w[0], w[1]), lo23 = sd::PairsLo(w[2], w[3]);
+        const sd::Vec<T> hi01 = sd::PairsHi(w[0], w[1]), hi23 = sd::PairsHi(w[2], w[3]);
+        StoreBlock(CV<T>{sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)}, d);
+        StoreBlock(CV<T>{sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)}, d + 2 * kR);
+      } else {
+        StoreBlock(CV<T>{sd::InterleaveLo(w[0], w[1]), sd::InterleaveHi(w[0], w[1])}, d);
       }
     }
+  };
+  if (m < 2 * kL) {  // one block of lanes
+    for (int p = 0; p < kL / kP; ++p) {
+      const long long pos = kR * kP * p;
+      group(0, p, pos < n / 2 ? y.lo + 2 * pos : y.hi + 2 * (pos - n / 2));
+    }
+    return;
+  }
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    for (long long i = half * m / 2; i < (half + 1) * m / 2; i += kL, yb += 2 * kR * kL)
+      for (int p = 0; p < kL / kP; ++p) group(i, p, yb + 2 * kR * kP * p);
   }
 }
 
@@ -246,7 +251,7 @@ VSP_FFT_INLINE void LoadTwiddled(CV<T>* v, const T* xl, const T* xh, long long i
 
 // A middle pass from length ls to R ls: blocks to blocks.
 template <class T, bool kInv, int kR>
-VSP_FFT_NOINLINE void MidPass(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
+VSP_FFT_INLINE void MidPassBody(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
   constexpr int kL = sd::kLanes<T>;
   const long long is = 2 * (n / kR), len = kR * ls, mh = n / 2;
   for (long long b = 0; b < n / len; ++b) {
@@ -266,7 +271,7 @@ VSP_FFT_NOINLINE void MidPass(Halves<T> x, Halves<T> y, long long n, long long l
 // The last pass (L = N): blocks at k + j N/R to interleaved values at the same positions, each
 // multiplied by `scale` when `scaled`; x may be y.
 template <class T, bool kInv, int kR>
-VSP_FFT_NOINLINE void LastPass(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
+VSP_FFT_INLINE void LastPassBody(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
   constexpr int kL = sd::kLanes<T>, kH = kR / 2;
   const long long s = n / kR, is = 2 * s;
   const sd::Vec<T> sc = sd::Set1<T>(scale);
@@ -281,34 +286,63 @@ VSP_FFT_NOINLINE void LastPass(Halves<T> x, Halves<T> y, long long n, const T* t
   }
 }
 
+// Each pass out of line (one tight loop per function), or inlined where the order is a constant.
+template <class T, bool kInv, int kR> VSP_FFT_NOINLINE void FirstPass(Halves<T> x, Halves<T> y, long long n) {
+  FirstPassBody<T, kInv, kR>(x, y, n);
+}
+template <class T, bool kInv, int kR>
+VSP_FFT_NOINLINE void MidPass(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
+  MidPassBody<T, kInv, kR>(x, y, n, ls, tw);
+}
+template <class T, bool kInv, int kR>
+VSP_FFT_NOINLINE void LastPass(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
+  LastPassBody<T, kInv, kR>(x, y, n, tw, scaled, scale);
+}
+template <class T, bool kInv, bool kInl> struct PassSet {
+  template <int kR> VSP_FFT_INLINE static void First(Halves<T> x, Halves<T> y, long long n) {
+    if constexpr (kInl) FirstPassBody<T, kInv, kR>(x, y, n);
+    else FirstPass<T, kInv, kR>(x, y, n);
+  }
+  template <int kR> VSP_FFT_INLINE static void Mid(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
+    if constexpr (kInl) MidPassBody<T, kInv, kR>(x, y, n, ls, tw);
+    else MidPass<T, kInv, kR>(x, y, n, ls, tw);
+  }
+  template <int kR>
+  VSP_FFT_INLINE static void Last(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
+    if constexpr (kInl) LastPassBody<T, kInv, kR>(x, y, n, tw, scaled, scale);
+    else LastPass<T, kInv, kR>(x, y, n, tw, scaled, scale);
+  }
+};
+
 // The whole transform of 2^order points (order >= 4) from `in` to `out` with `tmp` of N complex
 // values (in may be out or tmp; tmp must differ from out).
-template <class T, bool kInv>
+template <class T, bool kInv, bool kInl>
 VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  using P = PassSet<T, kInv, kInl>;
   const long long n = 1LL << order;
   const int count = PassCount(order);
   // The first pass writes tmp, or out when the input is in tmp; the last pass writes out, in
   // place when the pass before it wrote there.
   Halves<T> cur = in.lo == tmp.lo ? out : tmp, next = in.lo == tmp.lo ? tmp : out;
-  if (PassLog(order, 0) == 3) FirstPass<T, kInv, 8>(in, cur, n);
-  else FirstPass<T, kInv, 4>(in, cur, n);
+  if (PassLog(order, 0) == 3) P::template First<8>(in, cur, n);
+  else P::template First<4>(in, cur, n);
   long long ls = 1LL << PassLog(order, 0);
   for (int i = 1; i + 1 < count; ++i) {
-    if (PassLog(order, i) == 3) MidPass<T, kInv, 8>(cur, next, n, ls, tw);
-    else MidPass<T, kInv, 4>(cur, next, n, ls, tw);
+    if (PassLog(order, i) == 3) P::template Mid<8>(cur, next, n, ls, tw);
+    else P::template Mid<4>(cur, next, n, ls, tw);
     tw += 2 * ((1LL << PassLog(order, i)) - 1) * ls;
     ls <<= PassLog(order, i);
     const Halves<T> t = cur;
     cur = next;
     next = t;
   }
-  if (PassLog(order, count - 1) == 3) LastPass<T, kInv, 8>(cur, out, n, tw, scaled, scale);
-  else LastPass<T, kInv, 4>(cur, out, n, tw, scaled, scale);
+  if (PassLog(order, count - 1) == 3) P::template Last<8>(cur, out, n, tw, scaled, scale);
+  else P::template Last<4>(cur, out, n, tw, scaled, scale);
 }
 
 template <class T, bool kInv>
 void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
-  StockhamPasses<T, kInv>(order, tw, in, out, tmp, scaled, scale);
+  StockhamPasses<T, kInv, false>(order, tw, in, out, tmp, scaled, scale);
 }
 
 // Stockham twiddles of the direct kernels (orders 4 and 5), from the fixed table.
@@ -325,7 +359,7 @@ template <class T> inline constexpr SmallTwiddles<T, 5> kSmallTw5{};
 // kernels of 1 .. 32 points (constant twiddles, a stack buffer) and the small tabled orders.
 template <class T, bool kInv, int kOrder>
 void StockhamN(const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
-  StockhamPasses<T, kInv>(kOrder, tw, in, out, tmp, scaled, scale);
+  StockhamPasses<T, kInv, true>(kOrder, tw, in, out, tmp, scaled, scale);
 }
 // 2, 4 and 8 points in registers, one complex value per vector.
 template <class T, bool kInv, int kOrder>
@@ -349,7 +383,7 @@ template <class T, bool kInv, int kOrder>
 void DirectN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   alignas(16) T buf[2 << kOrder];
   const T* tw = kOrder == 4 ? kSmallTw4<T>.v : kSmallTw5<T>.v;
-  StockhamPasses<T, kInv>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
+  StockhamPasses<T, kInv, true>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
 }
 template <class T, bool kInv>
 void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale) {
@@ -411,12 +445,12 @@ void ownsFFTBitRev(Halves<T> x, Halves<T> y, int order, RevTable rt) {
   const bool inPlace = x.lo == y.lo;
   alignas(16) T a[128], b[128];
   auto load = [&](T* buf, long long m) {
-    for (int r = 0; r < 8; ++r) std::memcpy(buf + 16 * r, x.At(r * eighth + 8 * m), 16 * sizeof(T));
+    for (int r = 0; r < 8; ++r) std::memcpy(buf + 16 * r, x.At(r * eighth + 8 * m, 8 * eighth), 16 * sizeof(T));
   };
   // Element (r, c) of a block goes to row rev3(c), column rev3(r) of the partner block.
   auto store = [&](const T* buf, long long m) {
     for (int r = 0; r < 8; ++r) {
-      T* d = y.At(r * eighth + 8 * m);
+      T* d = y.At(r * eighth + 8 * m, 8 * eighth);
       for (int c = 0; c < 8; ++c) sd::Store1(sd::Load1(buf + 16 * kRev3[c] + 2 * kRev3[r]), d + 2 * c);
     }
   };
@@ -490,7 +524,7 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
         long long v = 0;
         for (int bit = 0; bit < b; ++bit) v |= ((g + i) >> bit & 1) << (b - 1 - bit);
         const long long lo = v & ((1LL << bl) - 1), hi = v >> bl;
-        src[i] = d.At((g + i) * n2 + c0);
+        src[i] = d.At((g + i) * n2 + c0, n1 * n2);
         fa[i] = lo ? tabA + 2 * ((lo - 1) * n2 + c0) : nullptr;
         fb[i] = hi ? tabB + 2 * ((hi - 1) * n2 + c0) : nullptr;
       }
@@ -517,7 +551,7 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
           T* out[4];
           for (int i = 0; i < 4; ++i) {
             in[i] = work + 2 * (g + jj + i * h) * cols;
-            out[i] = last ? d.At((g + jj + i * h) * n2 + c0) : in[i];
+            out[i] = last ? d.At((g + jj + i * h) * n2 + c0, n1 * n2) : in[i];
           }
           for (long long t = 0; t < cols; t += kL) {
             CV<T> x[4];
@@ -549,10 +583,10 @@ void ownsFFTGatherRows(Halves<T> x, Halves<T> y, int order, int block) {
     for (int i = 0; i < 8; ++i) {
       long long v = 0;
       for (int bit = 0; bit < block; ++bit) v |= ((t + i) >> bit & 1) << (block - 1 - bit);
-      rows[i] = y.At(v * n2);
+      rows[i] = y.At(v * n2, n1 * n2);
     }
     for (long long k2 = 0; k2 < n2; ++k2) {
-      const T* run = x.At(t + n1 * k2);
+      const T* run = x.At(t + n1 * k2, n1 * n2);
       for (int i = 0; i < 8; ++i) sd::Store1(sd::Load1(run + 2 * i), rows[i] + 2 * k2);
     }
   }
@@ -568,7 +602,7 @@ void LargeCore(const LargePlan<T>& pl, int li, Halves<T> d, T* work, long long w
   const long long n1 = 1LL << lv.block, n2 = 1LL << r;
   const RevTable rt(reinterpret_cast<const uint32_t*>(pl.base + lv.offRowRev), r);
   for (long long j = 0; j < n1; ++j) {
-    const Halves<T> row = Whole(d.At(j * n2), n2);
+    const Halves<T> row = Whole(d.At(j * n2, n1 * n2), n2);
     if (li + 1 < pl.count) {
       if (natural) ownsFFTBitRev(row, row, r, rt);
       LargeCore<T, kInv>(pl, li + 1, row, work, workPairs, false, T(0), false);
