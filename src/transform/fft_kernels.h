@@ -165,9 +165,15 @@ template <class T> VSP_FFT_INLINE void StoreInterleaved(CV<T> v, T* p) {
 // interleaved input and transposes its outputs into blocks; the last one (L = N) writes the
 // interleaved output, in place when its source is the destination.
 
-// log2 of the radix of pass i of a transform of order k >= 4, 0 past the last pass: radix-4
-// passes first where the order is not a multiple of 3, radix 8 after them.
+// log2 of the radix of pass i of a transform of order k >= 4, 0 past the last pass. Up to order
+// 11 (data in the first-level cache): radix-4 passes first where the order is not a multiple of 3,
+// radix 8 after them. From order 12 radix-4 passes (after one radix-8 pass for an odd order): their
+// 4 + 4 streams of a power-of-two stride stay in the cache sets that 8 + 8 streams overrun.
 constexpr int PassLog(int k, int i) {
+  if (k >= 12) {
+    const int lead = k % 2;
+    return i >= lead + (k - 3 * lead) / 2 ? 0 : i < lead ? 3 : 2;
+  }
   const int lead = k % 3 == 0 ? 0 : k % 3 == 1 ? 2 : 1;
   const int count = lead + (k - 2 * lead) / 3;
   return i >= count ? 0 : i < lead ? 2 : 3;
