@@ -2,9 +2,9 @@
 // complex values interleaved as (re, im) pairs of T) and the direction (kInv: the inverse
 // uses conjugated twiddles and the opposite quarter-turn).
 //
-// Single-level transforms are Stockham autosort passes: radix-8 passes with twiddles (one
-// radix-4 pass where the order needs it), then one twiddle-free radix-4 or radix-8 pass,
-// ping-ponging between the destination and a work buffer, so no bit reversal is needed; in
+// Single-level transforms are self-sorting decimation-in-time passes: one twiddle-free radix-8
+// (odd order) or radix-4 pass, then radix-4 passes with twiddles, ping-ponging between the
+// destination and a work buffer, so no bit reversal is needed; in
 // between, the data is held in blocks of real and imaginary parts (see the block passes). Large
 // transforms (orders above the single-level range) work on the destination with a work buffer
 // smaller than the data: 2^b rows of 2^r points (r = order - b) are put in place (gathered in
@@ -96,11 +96,6 @@ template <bool kInv, class T> VSP_FFT_INLINE CV<T> CRot(CV<T> a) {
   if constexpr (kInv) return {sd::Neg(a.im), a.re};
   else return {a.im, sd::Neg(a.re)};
 }
-// a * W8 forward ((re + im) h, (im - re) h), a * conj W8 inverse ((re - im) h, (im + re) h).
-template <bool kInv, class T> VSP_FFT_INLINE CV<T> CW8(CV<T> a, sd::Vec<T> h) {
-  if constexpr (kInv) return {sd::Mul(sd::Sub(a.re, a.im), h), sd::Mul(sd::Add(a.im, a.re), h)};
-  else return {sd::Mul(sd::Add(a.re, a.im), h), sd::Mul(sd::Sub(a.im, a.re), h)};
-}
 template <bool kInv, class T>
 VSP_FFT_INLINE void BlockBfly4(CV<T> a, CV<T> b, CV<T> c, CV<T> d, CV<T>& y0, CV<T>& y1, CV<T>& y2, CV<T>& y3) {
   const CV<T> t0 = CAdd(a, c), t1 = CSub(a, c), t2 = CAdd(b, d), u = CSub(b, d);
@@ -115,19 +110,10 @@ VSP_FFT_INLINE void BlockBfly4(CV<T> a, CV<T> b, CV<T> c, CV<T> d, CV<T>& y0, CV
     y3 = {sd::Sub(t1.re, u.im), sd::Add(t1.im, u.re)};
   }
 }
+// The R-point DFT of the twiddled passes, which are radix 4 (see PassLog).
 template <bool kInv, int kR, class T> VSP_FFT_INLINE void BlockDft(CV<T>* v) {
-  if constexpr (kR == 4) {
-    BlockBfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
-  } else {
-    const sd::Vec<T> h = sd::Set1<T>(static_cast<T>(0.70710678118654752440L));
-    CV<T> a[4], b[4];
-    for (int j = 0; j < 4; ++j) a[j] = CAdd(v[j], v[j + 4]), b[j] = CSub(v[j], v[j + 4]);
-    b[1] = CW8<kInv>(b[1], h);
-    b[2] = CRot<kInv>(b[2]);
-    b[3] = CRot<kInv>(CW8<kInv>(b[3], h));
-    BlockBfly4<kInv>(a[0], a[1], a[2], a[3], v[0], v[2], v[4], v[6]);
-    BlockBfly4<kInv>(b[0], b[1], b[2], b[3], v[1], v[3], v[5], v[7]);
-  }
+  static_assert(kR == 4);
+  BlockBfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
 }
 template <class T> VSP_FFT_INLINE CV<T> LoadBlock(const T* p) { return {sd::LoadU(p), sd::LoadU(p + sd::kLanes<T>)}; }
 template <class T> VSP_FFT_INLINE void StoreBlock(CV<T> v, T* p) {
@@ -165,18 +151,14 @@ template <class T> VSP_FFT_INLINE void StoreInterleaved(CV<T> v, T* p) {
 // interleaved input and transposes its outputs into blocks; the last one (L = N) writes the
 // interleaved output, in place when its source is the destination.
 
-// log2 of the radix of pass i of a transform of order k >= 4, 0 past the last pass. Up to order
-// 11 (data in the first-level cache): radix-4 passes first where the order is not a multiple of 3,
-// radix 8 after them. From order 12 radix-4 passes (after one radix-8 pass for an odd order): their
-// 4 + 4 streams of a power-of-two stride stay in the cache sets that 8 + 8 streams overrun.
+// log2 of the radix of pass i of a transform of order k >= 4, 0 past the last pass: one radix-8
+// pass first for an odd order (it has no twiddles), radix-4 passes after it. A radix-4 pass on
+// blocks keeps its 4 inputs, their twiddles and the butterfly in the 16 vector registers, where a
+// radix-8 pass spills; and its 4 + 4 streams of a power-of-two stride stay in the cache sets that
+// 8 + 8 streams overrun once the data leaves the first-level cache.
 constexpr int PassLog(int k, int i) {
-  if (k >= 12) {
-    const int lead = k % 2;
-    return i >= lead + (k - 3 * lead) / 2 ? 0 : i < lead ? 3 : 2;
-  }
-  const int lead = k % 3 == 0 ? 0 : k % 3 == 1 ? 2 : 1;
-  const int count = lead + (k - 2 * lead) / 3;
-  return i >= count ? 0 : i < lead ? 2 : 3;
+  const int lead = k % 2;
+  return i >= lead + (k - 3 * lead) / 2 ? 0 : i < lead ? 3 : 2;
 }
 constexpr int PassCount(int k) {
   int c = 0;
@@ -333,17 +315,14 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
   if (PassLog(order, 0) == 3) P::template First<8>(in, cur, n);
   else P::template First<4>(in, cur, n);
   long long ls = 1LL << PassLog(order, 0);
-  for (int i = 1; i + 1 < count; ++i) {
-    if (PassLog(order, i) == 3) P::template Mid<8>(cur, next, n, ls, tw);
-    else P::template Mid<4>(cur, next, n, ls, tw);
-    tw += 2 * ((1LL << PassLog(order, i)) - 1) * ls;
-    ls <<= PassLog(order, i);
+  for (int i = 1; i + 1 < count; ++i, ls *= 4) {
+    P::template Mid<4>(cur, next, n, ls, tw);
+    tw += 2 * 3 * ls;
     const Halves<T> t = cur;
     cur = next;
     next = t;
   }
-  if (PassLog(order, count - 1) == 3) P::template Last<8>(cur, out, n, tw, scaled, scale);
-  else P::template Last<4>(cur, out, n, tw, scaled, scale);
+  P::template Last<4>(cur, out, n, tw, scaled, scale);
 }
 
 template <class T, bool kInv>
