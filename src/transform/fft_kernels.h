@@ -230,6 +230,7 @@ template <class T, bool kInv, int kR>
 VSP_FFT_INLINE void LoadTwiddled(CV<T>* v, const T* xl, const T* xh, long long is, const T* tw) {
   constexpr int kL = sd::kLanes<T>, kH = kR / 2;
   v[0] = LoadBlock(xl);
+  v[0] = {sd::Pin(v[0].re), sd::Pin(v[0].im)};
   for (int j = 1; j < kR; ++j) {
     CV<T> a = LoadBlock(j < kH ? xl + j * is : xh + (j - kH) * is);
     a = {sd::Pin(a.re), sd::Pin(a.im)};
