@@ -559,21 +559,32 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
 }
 
 // Out-of-place first step of the blocked plan: row rev_b(n1) of y receives x[n1 + 2^b n2] in
-// natural order of n2, taking eight consecutive n1 at a time so that every read is a run of
-// eight values and every row is written in order.
+// natural order of n2, taking four consecutive n1 at a time: every read is a run of four values
+// and only four rows are written at once, in order (more streams of stores run slower); two
+// complex floats of consecutive n2 are paired into one vector for each row.
 template <class T>
 void ownsFFTGatherRows(Halves<T> x, Halves<T> y, int order, int block) {
+  constexpr int kRun = 4, kP = sd::kPairs<T>;
   const long long n1 = 1LL << block, n2 = 1LL << (order - block);
-  for (long long t = 0; t < n1; t += 8) {
-    T* rows[8];
-    for (int i = 0; i < 8; ++i) {
+  for (long long t = 0; t < n1; t += kRun) {
+    T* rows[kRun];
+    for (int i = 0; i < kRun; ++i) {
       long long v = 0;
       for (int bit = 0; bit < block; ++bit) v |= ((t + i) >> bit & 1) << (block - 1 - bit);
       rows[i] = y.At(v * n2, n1 * n2);
     }
-    for (long long k2 = 0; k2 < n2; ++k2) {
+    for (long long k2 = 0; k2 < n2; k2 += kP) {
       const T* run = x.At(t + n1 * k2, n1 * n2);
-      for (int i = 0; i < 8; ++i) sd::Store1(sd::Load1(run + 2 * i), rows[i] + 2 * k2);
+      if constexpr (kP == 2) {
+        const T* next = x.At(t + n1 * (k2 + 1), n1 * n2);
+        for (int i = 0; i < kRun; i += 2) {
+          const sd::Vec<T> a = sd::LoadU(run + 2 * i), b = sd::LoadU(next + 2 * i);
+          sd::StoreU(sd::PairsLo(a, b), rows[i] + 2 * k2);
+          sd::StoreU(sd::PairsHi(a, b), rows[i + 1] + 2 * k2);
+        }
+      } else {
+        for (int i = 0; i < kRun; ++i) sd::StoreU(sd::LoadU(run + 2 * i), rows[i] + 2 * k2);
+      }
     }
   }
 }
