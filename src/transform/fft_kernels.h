@@ -460,6 +460,10 @@ struct Level {
 // W_N^(2^bl n1h k2) for 1 <= n1h < 2^bh, so that W_N^(n1 k2) = A[n1l] B[n1h]; small[j] =
 // W_(2^b)^j for j < 2^(b-1).
 constexpr int LoBits(int block) { return block / 2; }
+// Complex values from one row of A or B to the next: a cache line more than the row, so that the
+// rows read together for a batch of columns lie in different sets of the first-level cache (rows
+// of a power-of-two length would all fall in the same few sets, beside the rows of the data).
+template <class T> constexpr long long FactorRowStride(long long n2) { return n2 + 64 / (2 * static_cast<long long>(sizeof(T))); }
 
 template <class T> struct LargePlan {
   const unsigned char* base;  // the spec block
@@ -511,8 +515,8 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
         for (int bit = 0; bit < b; ++bit) v |= ((g + i) >> bit & 1) << (b - 1 - bit);
         const long long lo = v & ((1LL << bl) - 1), hi = v >> bl;
         src[i] = d.At((g + i) * n2 + c0, n1 * n2);
-        fa[i] = lo ? tabA + 2 * ((lo - 1) * n2 + c0) : nullptr;
-        fb[i] = hi ? tabB + 2 * ((hi - 1) * n2 + c0) : nullptr;
+        fa[i] = lo ? tabA + 2 * ((lo - 1) * FactorRowStride<T>(n2) + c0) : nullptr;
+        fb[i] = hi ? tabB + 2 * ((hi - 1) * FactorRowStride<T>(n2) + c0) : nullptr;
       }
       T* w0 = work + 2 * g * cols;
       for (long long t = 0; t < cols; t += kL) {
