@@ -62,13 +62,14 @@ template <class T> long long BuildComplex(SpecHeader<T>* h, Bump& bump, int c, S
     Level& lv = h->level[li];
     lv.order = kk;
     lv.block = b;
-    T* a = bump.Take<T>(2 * ((1LL << bl) - 1) * n2);
+    const long long stride = FactorRowStride<T>(n2);
+    T* a = bump.Take<T>(2 * ((1LL << bl) - 1) * stride);
     lv.offA = static_cast<int32_t>(reinterpret_cast<unsigned char*>(a) - bump.base);
-    for (long long i = 1; i < (1LL << bl); ++i, a += 2 * n2)
+    for (long long i = 1; i < (1LL << bl); ++i, a += 2 * stride)
       for (long long k2 = 0; k2 < n2; ++k2) src.Twiddle(i * k2, n, a[BlockRe<T>(k2)], a[BlockRe<T>(k2) + sd::kLanes<T>]);
-    T* bt = bump.Take<T>(2 * ((1LL << bh) - 1) * n2);
+    T* bt = bump.Take<T>(2 * ((1LL << bh) - 1) * stride);
     lv.offB = static_cast<int32_t>(reinterpret_cast<unsigned char*>(bt) - bump.base);
-    for (long long i = 1; i < (1LL << bh); ++i, bt += 2 * n2)
+    for (long long i = 1; i < (1LL << bh); ++i, bt += 2 * stride)
       for (long long k2 = 0; k2 < n2; ++k2) src.Twiddle((i << bl) * k2, n, bt[BlockRe<T>(k2)], bt[BlockRe<T>(k2) + sd::kLanes<T>]);
     T* sm = bump.Take<T>(1LL << b);
     lv.offSmall = static_cast<int32_t>(reinterpret_cast<unsigned char*>(sm) - bump.base);
@@ -272,7 +273,7 @@ VspStatus Split(uint32_t id, const T* srcRe, const T* srcIm, T* dstRe, T* dstIm,
     ownsFFTInterleave(srcRe, srcIm, dstRe, half);
     ownsFFTInterleave(srcRe + half, srcIm + half, dstIm, half);
   }
-  const Halves<T> d{dstRe, dstIm, half};
+  const Halves<T> d{dstRe, dstIm};
   RunComplex<T, kInv>(h, c, d, d, buf, scaled, h->scale);
   Zip(dstRe, half, work, cap, true);
   Zip(dstIm, half, work, cap, true);

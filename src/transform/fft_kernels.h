@@ -2,9 +2,9 @@
 // complex values interleaved as (re, im) pairs of T) and the direction (kInv: the inverse
 // uses conjugated twiddles and the opposite quarter-turn).
 //
-// Single-level transforms are Stockham autosort passes: radix-8 passes with twiddles (one
-// radix-4 pass where the order needs it), then one twiddle-free radix-4 or radix-8 pass,
-// ping-ponging between the destination and a work buffer, so no bit reversal is needed; in
+// Single-level transforms are self-sorting decimation-in-time passes: one twiddle-free radix-8
+// (odd order) or radix-4 pass, then radix-4 passes with twiddles, ping-ponging between the
+// destination and a work buffer, so no bit reversal is needed; in
 // between, the data is held in blocks of real and imaginary parts (see the block passes). Large
 // transforms (orders above the single-level range) work on the destination with a work buffer
 // smaller than the data: 2^b rows of 2^r points (r = order - b) are put in place (gathered in
@@ -30,15 +30,17 @@ namespace sd = vsp::simd;
 // Inlined into their callers, so that the direct kernels see every length and stride as a
 // constant and unroll completely.
 #define VSP_FFT_INLINE [[gnu::always_inline]] inline
+// Kept out of line: each pass compiles to its own tight loop.
+#define VSP_FFT_NOINLINE [[gnu::noinline]]
 
 template <class T> struct Halves {
   T* lo;
   T* hi;
-  long long half;  // complex elements in lo
-  T* At(long long i) const { return i < half ? lo + 2 * i : hi + 2 * (i - half); }
+  // Complex element i of an array of n.
+  T* At(long long i, long long n) const { return i < n / 2 ? lo + 2 * i : hi + 2 * (i - n / 2); }
 };
 // An ordinary interleaved array of n complex elements.
-template <class T> Halves<T> Whole(T* p, long long n) { return {p, p + 2 * (n / 2), n / 2}; }
+template <class T> Halves<T> Whole(T* p, long long n) { return {p, p + 2 * (n / 2)}; }
 
 // ---- butterflies ---------------------------------------------------------------------------
 
@@ -63,108 +65,6 @@ VSP_FFT_INLINE void Bfly8(sd::Vec<T>* x) {
   b[3] = sd::MulRot<kInv>(sd::Mul(sd::Add(b[3], sd::MulRot<kInv>(b[3])), h));
   Bfly4<kInv>(a[0], a[1], a[2], a[3], x[0], x[2], x[4], x[6]);
   Bfly4<kInv>(b[0], b[1], b[2], b[3], x[1], x[3], x[5], x[7]);
-}
-
-// ---- Stockham passes ------------------------------------------------------------------------
-
-// Complex values to move per step: a whole vector when the run is long enough, else one.
-template <class T> struct Pair1 {
-  static sd::Vec<T> Load(const T* p) { return sd::Load1(p); }
-  static void Store(sd::Vec<T> v, T* p) { sd::Store1(v, p); }
-  static constexpr int kStep = 1;
-};
-template <class T> struct PairV {
-  static sd::Vec<T> Load(const T* p) { return sd::LoadU(p); }
-  static void Store(sd::Vec<T> v, T* p) { sd::StoreU(v, p); }
-  static constexpr int kStep = sd::kPairs<T>;
-};
-
-// The DFT of R = 4 or 8 values in registers, in place, outputs in natural order.
-template <bool kInv, int kR, class T> VSP_FFT_INLINE void DftInRegs(sd::Vec<T>* v) {
-  if constexpr (kR == 4) Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
-  else Bfly8<kInv, T>(v);
-}
-
-// One radix-R pass (R = 4 or 8) of an N-point transform at length n, stride s (n * s = N,
-// n >= 4R): y[q + s(Rp + k)] = W_n^(kp) * DFT_R(x[q + s(p + k n/R)]) over p < n/R, q < s. tw
-// holds W_n^(kp) for k = 1 .. R-1 as R-1 arrays of n/R. Inputs k < R/2 lie in the low half,
-// the others in the high half; outputs of p < n/2R in the low half.
-template <class T, bool kInv, int kR>
-VSP_FFT_INLINE void ownsFFTPass(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
-  using V = sd::Vec<T>;
-  constexpr int kH = kR / 2;
-  const long long m = n / kR, mh = m / 2, stride = s * m;
-  for (int half = 0; half < 2; ++half) {
-    T* yb = half ? y.hi : y.lo;
-    const long long p0 = half * mh;
-    if (s >= sd::kPairs<T>) {
-      for (long long pp = 0; pp < mh; ++pp) {
-        const long long p = p0 + pp;
-        const T* xa = x.lo + 2 * s * p;
-        const T* xe = x.hi + 2 * s * p;
-        T* ya = yb + 2 * s * kR * pp;
-        for (long long q = 0; q < s; q += sd::kPairs<T>) {
-          V v[kR];
-          for (int j = 0; j < kH; ++j)
-            v[j] = sd::LoadU(xa + 2 * (q + j * stride)), v[j + kH] = sd::LoadU(xe + 2 * (q + j * stride));
-          DftInRegs<kInv, kR, T>(v);
-          sd::StoreU(v[0], ya + 2 * q);
-          for (int j = 1; j < kR; ++j)
-            sd::StoreU(sd::MulTwiddle<kInv>(v[j], sd::LoadBroadcast1(tw + 2 * ((j - 1) * m + p))), ya + 2 * (q + j * s));
-        }
-      }
-    } else if constexpr (sd::kPairs<T> == 2) {
-      // s == 1 with two complex floats per vector: p and p + 1 side by side.
-      for (long long pp = 0; pp < mh; pp += 2) {
-        const long long p = p0 + pp;
-        V v[kR];
-        for (int j = 0; j < kH; ++j)
-          v[j] = sd::LoadU(x.lo + 2 * (p + j * stride)), v[j + kH] = sd::LoadU(x.hi + 2 * (p + j * stride));
-        DftInRegs<kInv, kR, T>(v);
-        for (int j = 1; j < kR; ++j) v[j] = sd::MulTwiddle<kInv>(v[j], sd::LoadU(tw + 2 * ((j - 1) * m + p)));
-        T* ya = yb + 2 * kR * pp;
-        for (int j = 0; j < kR; j += 2) {
-          sd::StoreU(sd::PairsLo(v[j], v[j + 1]), ya + 2 * j);
-          sd::StoreU(sd::PairsHi(v[j], v[j + 1]), ya + 2 * kR + 2 * j);
-        }
-      }
-    }
-  }
-}
-
-// The passes of a Stockham transform of order k >= 2: radix-8 passes while they leave at least
-// 8 points, radix-4 passes, then one twiddle-free radix-4 or radix-8 pass. Returns the log2 of
-// the radix of pass i, 0 past the last pass; the last pass is the one whose radix is the
-// remaining length.
-constexpr int PassLog(int k, int i) {
-  const int e = k % 3 == 0 ? 3 : 2;               // last pass
-  const int r4 = k % 3 == 1 ? 1 : 0;              // one radix-4 pass when k = 1 (mod 3)
-  const int r8 = (k - e - 2 * r4) / 3;
-  if (i < r8) return 3;
-  if (i < r8 + r4) return 2;
-  return i == r8 + r4 ? e : 0;
-}
-constexpr int PassCount(int k) {
-  int c = 0;
-  while (PassLog(k, c)) ++c;
-  return c;
-}
-
-// The last pass, without twiddles: radix R = 4 or 8 at stride s = N/R, reading x and writing
-// the same positions of y (x may be y), each output multiplied by `scale` when `scaled`.
-template <class T, bool kInv, int kR, class Mv>
-VSP_FFT_INLINE void LastPass(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
-  constexpr int kH = kR / 2;
-  for (long long q = 0; q < s; q += Mv::kStep) {
-    sd::Vec<T> v[kR];
-    for (int j = 0; j < kH; ++j) v[j] = Mv::Load(x.lo + 2 * (q + j * s)), v[j + kH] = Mv::Load(x.hi + 2 * (q + j * s));
-    DftInRegs<kInv, kR, T>(v);
-    for (int j = 0; j < kH; ++j) {
-      if (scaled) v[j] = sd::Mul(v[j], sc), v[j + kH] = sd::Mul(v[j + kH], sc);
-      Mv::Store(v[j], y.lo + 2 * (q + j * s));
-      Mv::Store(v[j + kH], y.hi + 2 * (q + j * s));
-    }
-  }
 }
 
 // ---- block passes ------------------------------------------------------------------------
@@ -196,11 +96,6 @@ template <bool kInv, class T> VSP_FFT_INLINE CV<T> CRot(CV<T> a) {
   if constexpr (kInv) return {sd::Neg(a.im), a.re};
   else return {a.im, sd::Neg(a.re)};
 }
-// a * W8 forward ((re + im) h, (im - re) h), a * conj W8 inverse ((re - im) h, (im + re) h).
-template <bool kInv, class T> VSP_FFT_INLINE CV<T> CW8(CV<T> a, sd::Vec<T> h) {
-  if constexpr (kInv) return {sd::Mul(sd::Sub(a.re, a.im), h), sd::Mul(sd::Add(a.im, a.re), h)};
-  else return {sd::Mul(sd::Add(a.re, a.im), h), sd::Mul(sd::Sub(a.im, a.re), h)};
-}
 template <bool kInv, class T>
 VSP_FFT_INLINE void BlockBfly4(CV<T> a, CV<T> b, CV<T> c, CV<T> d, CV<T>& y0, CV<T>& y1, CV<T>& y2, CV<T>& y3) {
   const CV<T> t0 = CAdd(a, c), t1 = CSub(a, c), t2 = CAdd(b, d), u = CSub(b, d);
@@ -215,28 +110,25 @@ VSP_FFT_INLINE void BlockBfly4(CV<T> a, CV<T> b, CV<T> c, CV<T> d, CV<T>& y0, CV
     y3 = {sd::Sub(t1.re, u.im), sd::Add(t1.im, u.re)};
   }
 }
+// The R-point DFT of the twiddled passes, which are radix 4 (see PassLog).
 template <bool kInv, int kR, class T> VSP_FFT_INLINE void BlockDft(CV<T>* v) {
-  if constexpr (kR == 4) {
-    BlockBfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
-  } else {
-    const sd::Vec<T> h = sd::Set1<T>(static_cast<T>(0.70710678118654752440L));
-    CV<T> a[4], b[4];
-    for (int j = 0; j < 4; ++j) a[j] = CAdd(v[j], v[j + 4]), b[j] = CSub(v[j], v[j + 4]);
-    b[1] = CW8<kInv>(b[1], h);
-    b[2] = CRot<kInv>(b[2]);
-    b[3] = CRot<kInv>(CW8<kInv>(b[3], h));
-    BlockBfly4<kInv>(a[0], a[1], a[2], a[3], v[0], v[2], v[4], v[6]);
-    BlockBfly4<kInv>(b[0], b[1], b[2], b[3], v[1], v[3], v[5], v[7]);
-  }
+  static_assert(kR == 4);
+  BlockBfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
 }
 template <class T> VSP_FFT_INLINE CV<T> LoadBlock(const T* p) { return {sd::LoadU(p), sd::LoadU(p + sd::kLanes<T>)}; }
 template <class T> VSP_FFT_INLINE void StoreBlock(CV<T> v, T* p) {
   sd::StoreU(v.re, p);
   sd::StoreU(v.im, p + sd::kLanes<T>);
 }
+// kLanes interleaved values at p as a block. Doubles take the two parts from overlapping loads
+// merged with a half load, which uses no shuffle unit.
 template <class T> VSP_FFT_INLINE CV<T> LoadInterleaved(const T* p) {
-  const sd::Vec<T> a = sd::LoadU(p), b = sd::LoadU(p + sd::kLanes<T>);
-  return {sd::RealParts(a, b), sd::ImagParts(a, b)};
+  if constexpr (sd::kPairs<T> == 1) {
+    return {sd::LoadLow(sd::LoadU(p + 1), p), sd::LoadLow(sd::LoadU(p + 2), p + 1)};
+  } else {
+    const sd::Vec<T> a = sd::LoadU(p), b = sd::LoadU(p + sd::kLanes<T>);
+    return {sd::RealParts(a, b), sd::ImagParts(a, b)};
+  }
 }
 template <class T> VSP_FFT_INLINE void StoreInterleaved(CV<T> v, T* p) {
   sd::StoreU(sd::InterleaveLo(v.re, v.im), p);
@@ -245,164 +137,198 @@ template <class T> VSP_FFT_INLINE void StoreInterleaved(CV<T> v, T* p) {
 
 // The first pass (stride 1) from interleaved input to blocks, over L groups p at a time. Its
 // twiddles are stored in blocks too: for each k, L real parts then L imaginary parts per p-block.
-template <class T, bool kInv, int kR>
-VSP_FFT_INLINE void FirstPassBlocks(Halves<T> x, Halves<T> y, long long n, const T* tw) {
-  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
-  const long long m = n / kR, mh = m / 2;
-  for (int half = 0; half < 2; ++half) {
-    T* yb = half ? y.hi : y.lo;
-    for (long long pp = 0; pp < mh; pp += kL) {
-      const long long p = half * mh + pp;
-      CV<T> v[kR];
-      for (int j = 0; j < kH; ++j)
-        v[j] = LoadInterleaved(x.lo + 2 * (p + j * m)), v[j + kH] = LoadInterleaved(x.hi + 2 * (p + j * m));
-      BlockDft<kInv, kR, T>(v);
-      for (int k = 1; k < kR; ++k) {
-        const T* w = tw + 2 * ((k - 1) * m + p);
-        v[k] = CMul<kInv>(v[k], sd::LoadU(w), sd::LoadU(w + kL));
-      }
-      // Lane l of v[k] is output R (p + l) + k: L consecutive k, transposed, make the blocks.
-      for (int c = 0; c < kR / kL; ++c) {
-        sd::Vec<T> re[kL], im[kL];
-        for (int t = 0; t < kL; ++t) re[t] = v[c * kL + t].re, im[t] = v[c * kL + t].im;
-        sd::Transpose(re);
-        sd::Transpose(im);
-        for (int l = 0; l < kL; ++l) StoreBlock(CV<T>{re[l], im[l]}, yb + 2 * (kR * (pp + l) + c * kL));
-      }
-    }
-  }
-}
-// A middle pass on blocks (stride s >= L), twiddles as in the interleaved passes.
-template <class T, bool kInv, int kR>
-VSP_FFT_INLINE void MidPassBlocks(Halves<T> x, Halves<T> y, long long n, long long s, const T* tw) {
-  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
-  const long long m = n / kR, mh = m / 2, stride = s * m;
-  for (int half = 0; half < 2; ++half) {
-    T* yb = half ? y.hi : y.lo;
-    for (long long pp = 0; pp < mh; ++pp) {
-      const long long p = half * mh + pp;
-      const T* xa = x.lo + 2 * s * p;
-      const T* xe = x.hi + 2 * s * p;
-      T* ya = yb + 2 * s * kR * pp;
-      for (long long q = 0; q < s; q += kL) {
-        CV<T> v[kR];
-        for (int j = 0; j < kH; ++j)
-          v[j] = LoadBlock(xa + 2 * (q + j * stride)), v[j + kH] = LoadBlock(xe + 2 * (q + j * stride));
-        BlockDft<kInv, kR, T>(v);
-        StoreBlock(v[0], ya + 2 * q);
-        for (int k = 1; k < kR; ++k) {
-          const T* w = tw + 2 * ((k - 1) * m + p);
-          StoreBlock(CMul<kInv>(v[k], sd::Set1<T>(w[0]), sd::Set1<T>(w[1])), ya + 2 * (q + k * s));
-        }
-      }
-    }
-  }
-}
-// The last pass from blocks to interleaved output (stride s = N/R >= L), in place or not.
-template <class T, bool kInv, int kR>
-VSP_FFT_INLINE void LastPassBlocks(Halves<T> x, Halves<T> y, long long s, bool scaled, sd::Vec<T> sc) {
-  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
-  for (long long q = 0; q < s; q += kL) {
-    CV<T> v[kR];
-    for (int j = 0; j < kH; ++j) v[j] = LoadBlock(x.lo + 2 * (q + j * s)), v[j + kH] = LoadBlock(x.hi + 2 * (q + j * s));
-    BlockDft<kInv, kR, T>(v);
-    for (int j = 0; j < kH; ++j) {
-      if (scaled) {
-        v[j] = {sd::Mul(v[j].re, sc), sd::Mul(v[j].im, sc)};
-        v[j + kH] = {sd::Mul(v[j + kH].re, sc), sd::Mul(v[j + kH].im, sc)};
-      }
-      StoreInterleaved(v[j], y.lo + 2 * (q + j * s));
-      StoreInterleaved(v[j + kH], y.hi + 2 * (q + j * s));
-    }
-  }
-}
-// Whether a transform of this order runs on blocks: two passes or more, and a first pass with
-// at least 16 groups (so at least L in each half); the smaller ones are faster interleaved.
-template <class T> constexpr bool BlockPlan(int order) {
-  static_assert(16 >= 2 * sd::kLanes<T>);
-  return order >= 2 && PassCount(order) >= 2 && ((1LL << order) >> PassLog(order, 0)) >= 16;
-}
+// ---- single-level passes -----------------------------------------------------------------------
+//
+// A transform of N = 2^order points (order >= 4) runs as passes of radix R = 4 or 8 in the
+// self-sorting decimation-in-time order: after the passes with radices R_1 .. R_t, whose product
+// is L, position b L + k (k < L) holds the L-point DFT of the decimated sequence x[b + m N / L].
+// The pass from length Ls to L = R Ls reads positions i + j N/R (i = b Ls + k, j < R), multiplies
+// input j by W_L^(jk), and writes the R-point DFT to positions b L + k + r Ls (r < R).
+//
+// Between the passes the data is held in blocks of kLanes complex values, the real parts then the
+// imaginary parts, so that complex products and quarter-turns need no shuffles and the twiddles of
+// a pass are loaded per lane, never broadcast. The first pass (Ls = 1, no twiddles) reads the
+// interleaved input and transposes its outputs into blocks; the last one (L = N) writes the
+// interleaved output, in place when its source is the destination.
 
-// Complex values of the twiddle table of the Stockham passes of an N-point transform: for each
-// pass but the last, of radix R at length n, W_n^(kp) for k = 1 .. R-1, p < n/R.
-constexpr long long StockhamTwiddles(int order) {
-  long long total = 0, n = 1LL << order;
-  for (int i = 0; i + 1 < PassCount(order); n >>= PassLog(order, i), ++i) total += n - (n >> PassLog(order, i));
-  return total;
+// log2 of the radix of pass i of a transform of order k >= 4, 0 past the last pass: one radix-8
+// pass first for an odd order (it has no twiddles), radix-4 passes after it. A radix-4 pass on
+// blocks keeps its 4 inputs, their twiddles and the butterfly in the 16 vector registers, where a
+// radix-8 pass spills; and its 4 + 4 streams of a power-of-two stride stay in the cache sets that
+// 8 + 8 streams overrun once the data leaves the first-level cache.
+constexpr int PassLog(int k, int i) {
+  const int lead = k % 2;
+  return i >= lead + (k - 3 * lead) / 2 ? 0 : i < lead ? 3 : 2;
 }
-// Fills that table from a sine source.
-// The first pass of a block plan keeps its twiddles in blocks of L (see FirstPassBlocks).
+constexpr int PassCount(int k) {
+  int c = 0;
+  while (PassLog(k, c)) ++c;
+  return c;
+}
+// Complex values of the twiddle table of a transform of order k >= 4: (R - 1) Ls for every pass
+// after the first, N - R_1 in all.
+constexpr long long StockhamTwiddles(int order) { return (1LL << order) - (1LL << PassLog(order, 0)); }
+
+// Fills the table: for each pass after the first, for each block of kLanes values of k, for
+// j = 1 .. R-1, the block of W_L^(jk).
 template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSource<T> src) {
   constexpr int kL = sd::kLanes<T>;
-  long long n = 1LL << order;
-  for (int i = 0; i + 1 < PassCount(order); n >>= PassLog(order, i), ++i) {
-    const long long radix = 1LL << PassLog(order, i), m = n / radix;
-    const bool blocks = i == 0 && BlockPlan<T>(order);
-    for (long long k = 1; k < radix; ++k, dst += 2 * m)
-      for (long long p = 0; p < m; ++p) {
-        T& re = blocks ? dst[BlockRe<T>(p)] : dst[2 * p];
-        T& im = blocks ? dst[BlockRe<T>(p) + kL] : dst[2 * p + 1];
-        src.Twiddle(k * p, n, re, im);
-      }
+  long long ls = 1LL << PassLog(order, 0);
+  for (int i = 1; i < PassCount(order); ls <<= PassLog(order, i), ++i) {
+    const long long radix = 1LL << PassLog(order, i), len = radix * ls;
+    for (long long kb = 0; kb < ls; kb += kL)
+      for (long long j = 1; j < radix; ++j, dst += 2 * kL)
+        for (int l = 0; l < kL; ++l) src.Twiddle(j * (kb + l), len, dst[l], dst[kL + l]);
   }
 }
 
-// The whole transform of 2^order points (order >= 1) from `in` to `out` with `tmp` of N complex
-// values (any of them may coincide, except that tmp must differ from out).
-template <class T, bool kInv, bool kBlocks>
-VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
-  const sd::Vec<T> sc = sd::Set1<T>(scale);
-  const long long n0 = 1LL << order;
-  if (order == 1) {
-    sd::Vec<T> a = sd::Load1(in.lo), b = sd::Load1(in.hi);
-    sd::Vec<T> y0 = sd::Add(a, b), y1 = sd::Sub(a, b);
-    if (scaled) y0 = sd::Mul(y0, sc), y1 = sd::Mul(y1, sc);
-    sd::Store1(y0, out.lo);
-    sd::Store1(y1, out.hi);
-    return;
-  }
-  Halves<T> cur = in;
-  Halves<T> target = in.lo == tmp.lo ? out : tmp;
-  long long n = n0, s = 1;
-  for (int i = 0; i + 1 < PassCount(order); ++i) {
-    const int lg = PassLog(order, i);
-    if constexpr (kBlocks) {
-      if (i == 0) {
-        if (lg == 3) FirstPassBlocks<T, kInv, 8>(cur, target, n, tw);
-        else FirstPassBlocks<T, kInv, 4>(cur, target, n, tw);
+// The first pass: inputs x[i + j N/R] (interleaved; j < R/2 in the low half), outputs, in blocks,
+// at positions R i + r. The DFT runs on the interleaved values (kPairs consecutive i per vector),
+// and one transposition of each kLanes outputs of an i makes a block; no deinterleave is needed.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void FirstPassBody(Halves<T> x, Halves<T> y, long long n) {
+  constexpr int kL = sd::kLanes<T>, kP = sd::kPairs<T>, kH = kR / 2;
+  const long long m = n / kR;
+  // kP lanes (kR kP outputs) at a time: at i + kP p and, when the loop covers both halves of the
+  // output (m / 2 >= kLanes), at the same place of the high half.
+  auto group = [&](long long i, int p, T* yb) {
+    sd::Vec<T> v[kR];
+    for (int j = 0; j < kH; ++j)
+      v[j] = sd::LoadU(x.lo + 2 * (i + kP * p + j * m)), v[j + kH] = sd::LoadU(x.hi + 2 * (i + kP * p + j * m));
+    if constexpr (kR == 4) Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
+    else Bfly8<kInv, T>(v);
+    for (int c = 0; c < kR / kL; ++c) {
+      const sd::Vec<T>* w = v + kL * c;
+      T* d = yb + 2 * kL * c;
+      if constexpr (kP == 2) {
+        const sd::Vec<T> lo01 = sd::PairsLo(w[0], w[1]), lo23 = sd::PairsLo(w[2], w[3]);
+        const sd::Vec<T> hi01 = sd::PairsHi(w[0], w[1]), hi23 = sd::PairsHi(w[2], w[3]);
+        StoreBlock(CV<T>{sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)}, d);
+        StoreBlock(CV<T>{sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)}, d + 2 * kR);
       } else {
-        if (lg == 3) MidPassBlocks<T, kInv, 8>(cur, target, n, s, tw);
-        else MidPassBlocks<T, kInv, 4>(cur, target, n, s, tw);
+        StoreBlock(CV<T>{sd::InterleaveLo(w[0], w[1]), sd::InterleaveHi(w[0], w[1])}, d);
       }
-    } else {
-      if (lg == 3) ownsFFTPass<T, kInv, 8>(cur, target, n, s, tw);
-      else ownsFFTPass<T, kInv, 4>(cur, target, n, s, tw);
     }
-    tw += 2 * (n - (n >> lg));
-    n >>= lg;
-    s <<= lg;
-    cur = target;
-    target = target.lo == out.lo ? tmp : out;
-  }
-  if constexpr (kBlocks) {
-    if (n == 8) LastPassBlocks<T, kInv, 8>(cur, out, s, scaled, sc);
-    else LastPassBlocks<T, kInv, 4>(cur, out, s, scaled, sc);
+  };
+  if (m < 2 * kL) {  // one block of lanes
+    for (int p = 0; p < kL / kP; ++p) {
+      const long long pos = kR * kP * p;
+      group(0, p, pos < n / 2 ? y.lo + 2 * pos : y.hi + 2 * (pos - n / 2));
+    }
     return;
   }
-  const bool wide = s >= sd::kPairs<T>;
-  if (n == 8) {
-    if (wide) LastPass<T, kInv, 8, PairV<T>>(cur, out, s, scaled, sc);
-    else LastPass<T, kInv, 8, Pair1<T>>(cur, out, s, scaled, sc);
-  } else {
-    if (wide) LastPass<T, kInv, 4, PairV<T>>(cur, out, s, scaled, sc);
-    else LastPass<T, kInv, 4, Pair1<T>>(cur, out, s, scaled, sc);
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    for (long long i = half * m / 2; i < (half + 1) * m / 2; i += kL, yb += 2 * kR * kL)
+      for (int p = 0; p < kL / kP; ++p) group(i, p, yb + 2 * kR * kP * p);
   }
+}
+
+// Inputs of a twiddled pass: block j of R at xl + j is (j < R/2) or xh + (j - R/2) is, each
+// multiplied by its twiddle block (tw: R - 1 blocks of re, im).
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void LoadTwiddled(CV<T>* v, const T* xl, const T* xh, long long is, const T* tw) {
+  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  v[0] = LoadBlock(xl);
+  v[0] = {sd::Pin(v[0].re), sd::Pin(v[0].im)};
+  for (int j = 1; j < kR; ++j) {
+    CV<T> a = LoadBlock(j < kH ? xl + j * is : xh + (j - kH) * is);
+    a = {sd::Pin(a.re), sd::Pin(a.im)};
+    v[j] = CMul<kInv>(a, sd::Load(tw + 2 * kL * (j - 1)), sd::Load(tw + 2 * kL * (j - 1) + kL));
+  }
+}
+
+// A middle pass from length ls to R ls: blocks to blocks.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void MidPassBody(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
+  constexpr int kL = sd::kLanes<T>;
+  const long long is = 2 * (n / kR), len = kR * ls, mh = n / 2;
+  for (long long b = 0; b < n / len; ++b) {
+    T* yb = b * len < mh ? y.lo + 2 * b * len : y.hi + 2 * (b * len - mh);
+    const T* xl = x.lo + 2 * b * ls;
+    const T* xh = x.hi + 2 * b * ls;
+    const T* t = tw;
+    for (long long k = 0; k < ls; k += kL, xl += 2 * kL, xh += 2 * kL, yb += 2 * kL, t += 2 * kL * (kR - 1)) {
+      CV<T> v[kR];
+      LoadTwiddled<T, kInv, kR>(v, xl, xh, is, t);
+      BlockDft<kInv, kR, T>(v);
+      for (int r = 0; r < kR; ++r) StoreBlock(v[r], yb + 2 * r * ls);
+    }
+  }
+}
+
+// The last pass (L = N): blocks at k + j N/R to interleaved values at the same positions, each
+// multiplied by `scale` when `scaled`; x may be y.
+template <class T, bool kInv, int kR>
+VSP_FFT_INLINE void LastPassBody(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
+  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  const long long s = n / kR, is = 2 * s;
+  const sd::Vec<T> sc = sd::Set1<T>(scale);
+  for (long long k = 0; k < s; k += kL, tw += 2 * kL * (kR - 1)) {
+    CV<T> v[kR];
+    LoadTwiddled<T, kInv, kR>(v, x.lo + 2 * k, x.hi + 2 * k, is, tw);
+    BlockDft<kInv, kR, T>(v);
+    for (int r = 0; r < kR; ++r) {
+      if (scaled) v[r] = {sd::Mul(v[r].re, sc), sd::Mul(v[r].im, sc)};
+      StoreInterleaved(v[r], (r < kH ? y.lo : y.hi) + 2 * (k + (r % kH) * s));
+    }
+  }
+}
+
+// Each pass out of line (one tight loop per function), or inlined where the order is a constant.
+template <class T, bool kInv, int kR> VSP_FFT_NOINLINE void FirstPass(Halves<T> x, Halves<T> y, long long n) {
+  FirstPassBody<T, kInv, kR>(x, y, n);
+}
+template <class T, bool kInv, int kR>
+VSP_FFT_NOINLINE void MidPass(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
+  MidPassBody<T, kInv, kR>(x, y, n, ls, tw);
+}
+template <class T, bool kInv, int kR>
+VSP_FFT_NOINLINE void LastPass(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
+  LastPassBody<T, kInv, kR>(x, y, n, tw, scaled, scale);
+}
+template <class T, bool kInv, bool kInl> struct PassSet {
+  template <int kR> VSP_FFT_INLINE static void First(Halves<T> x, Halves<T> y, long long n) {
+    if constexpr (kInl) FirstPassBody<T, kInv, kR>(x, y, n);
+    else FirstPass<T, kInv, kR>(x, y, n);
+  }
+  template <int kR> VSP_FFT_INLINE static void Mid(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
+    if constexpr (kInl) MidPassBody<T, kInv, kR>(x, y, n, ls, tw);
+    else MidPass<T, kInv, kR>(x, y, n, ls, tw);
+  }
+  template <int kR>
+  VSP_FFT_INLINE static void Last(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
+    if constexpr (kInl) LastPassBody<T, kInv, kR>(x, y, n, tw, scaled, scale);
+    else LastPass<T, kInv, kR>(x, y, n, tw, scaled, scale);
+  }
+};
+
+// The whole transform of 2^order points (order >= 4) from `in` to `out` with `tmp` of N complex
+// values (in may be out or tmp; tmp must differ from out).
+template <class T, bool kInv, bool kInl>
+VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
+  using P = PassSet<T, kInv, kInl>;
+  const long long n = 1LL << order;
+  const int count = PassCount(order);
+  // The first pass writes tmp, or out when the input is in tmp; the last pass writes out, in
+  // place when the pass before it wrote there.
+  Halves<T> cur = in.lo == tmp.lo ? out : tmp, next = in.lo == tmp.lo ? tmp : out;
+  if (PassLog(order, 0) == 3) P::template First<8>(in, cur, n);
+  else P::template First<4>(in, cur, n);
+  long long ls = 1LL << PassLog(order, 0);
+  for (int i = 1; i + 1 < count; ++i, ls *= 4) {
+    P::template Mid<4>(cur, next, n, ls, tw);
+    tw += 2 * 3 * ls;
+    const Halves<T> t = cur;
+    cur = next;
+    next = t;
+  }
+  P::template Last<4>(cur, out, n, tw, scaled, scale);
 }
 
 template <class T, bool kInv>
 void ownsFFTStockham(int order, const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
-  if (BlockPlan<T>(order)) StockhamPasses<T, kInv, true>(order, tw, in, out, tmp, scaled, scale);
-  else StockhamPasses<T, kInv, false>(order, tw, in, out, tmp, scaled, scale);
+  StockhamPasses<T, kInv, false>(order, tw, in, out, tmp, scaled, scale);
 }
 
 // Stockham twiddles of the direct kernels (orders 4 and 5), from the fixed table.
@@ -419,13 +345,31 @@ template <class T> inline constexpr SmallTwiddles<T, 5> kSmallTw5{};
 // kernels of 1 .. 32 points (constant twiddles, a stack buffer) and the small tabled orders.
 template <class T, bool kInv, int kOrder>
 void StockhamN(const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
-  StockhamPasses<T, kInv, BlockPlan<T>(kOrder)>(kOrder, tw, in, out, tmp, scaled, scale);
+  StockhamPasses<T, kInv, true>(kOrder, tw, in, out, tmp, scaled, scale);
+}
+// 2, 4 and 8 points in registers, one complex value per vector.
+template <class T, bool kInv, int kOrder>
+void TinyN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
+  constexpr int kN = 1 << kOrder, kH = kN / 2;
+  sd::Vec<T> v[kN];
+  for (int j = 0; j < kN; ++j) v[j] = sd::Load1(j < kH ? in.lo + 2 * j : in.hi + 2 * (j - kH));
+  if constexpr (kN == 2) {
+    const sd::Vec<T> a = v[0];
+    v[0] = sd::Add(a, v[1]);
+    v[1] = sd::Sub(a, v[1]);
+  } else if constexpr (kN == 4) {
+    Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
+  } else {
+    Bfly8<kInv, T>(v);
+  }
+  const sd::Vec<T> sc = sd::Set1<T>(scale);
+  for (int j = 0; j < kN; ++j) sd::Store1(scaled ? sd::Mul(v[j], sc) : v[j], j < kH ? out.lo + 2 * j : out.hi + 2 * (j - kH));
 }
 template <class T, bool kInv, int kOrder>
 void DirectN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   alignas(16) T buf[2 << kOrder];
   const T* tw = kOrder == 4 ? kSmallTw4<T>.v : kSmallTw5<T>.v;
-  StockhamPasses<T, kInv, BlockPlan<T>(kOrder)>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
+  StockhamPasses<T, kInv, true>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
 }
 template <class T, bool kInv>
 void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale) {
@@ -436,9 +380,9 @@ void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale)
       out.lo[1] = scaled ? im * scale : im;
       return;
     }
-    case 1: return DirectN<T, kInv, 1>(in, out, scaled, scale);
-    case 2: return DirectN<T, kInv, 2>(in, out, scaled, scale);
-    case 3: return DirectN<T, kInv, 3>(in, out, scaled, scale);
+    case 1: return TinyN<T, kInv, 1>(in, out, scaled, scale);
+    case 2: return TinyN<T, kInv, 2>(in, out, scaled, scale);
+    case 3: return TinyN<T, kInv, 3>(in, out, scaled, scale);
     case 4: return DirectN<T, kInv, 4>(in, out, scaled, scale);
     default: return DirectN<T, kInv, 5>(in, out, scaled, scale);
   }
@@ -487,12 +431,12 @@ void ownsFFTBitRev(Halves<T> x, Halves<T> y, int order, RevTable rt) {
   const bool inPlace = x.lo == y.lo;
   alignas(16) T a[128], b[128];
   auto load = [&](T* buf, long long m) {
-    for (int r = 0; r < 8; ++r) std::memcpy(buf + 16 * r, x.At(r * eighth + 8 * m), 16 * sizeof(T));
+    for (int r = 0; r < 8; ++r) std::memcpy(buf + 16 * r, x.At(r * eighth + 8 * m, 8 * eighth), 16 * sizeof(T));
   };
   // Element (r, c) of a block goes to row rev3(c), column rev3(r) of the partner block.
   auto store = [&](const T* buf, long long m) {
     for (int r = 0; r < 8; ++r) {
-      T* d = y.At(r * eighth + 8 * m);
+      T* d = y.At(r * eighth + 8 * m, 8 * eighth);
       for (int c = 0; c < 8; ++c) sd::Store1(sd::Load1(buf + 16 * kRev3[c] + 2 * kRev3[r]), d + 2 * c);
     }
   };
@@ -516,6 +460,10 @@ struct Level {
 // W_N^(2^bl n1h k2) for 1 <= n1h < 2^bh, so that W_N^(n1 k2) = A[n1l] B[n1h]; small[j] =
 // W_(2^b)^j for j < 2^(b-1).
 constexpr int LoBits(int block) { return block / 2; }
+// Complex values from one row of A or B to the next: a cache line more than the row, so that the
+// rows read together for a batch of columns lie in different sets of the first-level cache (rows
+// of a power-of-two length would all fall in the same few sets, beside the rows of the data).
+template <class T> constexpr long long FactorRowStride(long long n2) { return n2 + 64 / (2 * static_cast<long long>(sizeof(T))); }
 
 template <class T> struct LargePlan {
   const unsigned char* base;  // the spec block
@@ -566,9 +514,9 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
         long long v = 0;
         for (int bit = 0; bit < b; ++bit) v |= ((g + i) >> bit & 1) << (b - 1 - bit);
         const long long lo = v & ((1LL << bl) - 1), hi = v >> bl;
-        src[i] = d.At((g + i) * n2 + c0);
-        fa[i] = lo ? tabA + 2 * ((lo - 1) * n2 + c0) : nullptr;
-        fb[i] = hi ? tabB + 2 * ((hi - 1) * n2 + c0) : nullptr;
+        src[i] = d.At((g + i) * n2 + c0, n1 * n2);
+        fa[i] = lo ? tabA + 2 * ((lo - 1) * FactorRowStride<T>(n2) + c0) : nullptr;
+        fb[i] = hi ? tabB + 2 * ((hi - 1) * FactorRowStride<T>(n2) + c0) : nullptr;
       }
       T* w0 = work + 2 * g * cols;
       for (long long t = 0; t < cols; t += kL) {
@@ -593,7 +541,7 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
           T* out[4];
           for (int i = 0; i < 4; ++i) {
             in[i] = work + 2 * (g + jj + i * h) * cols;
-            out[i] = last ? d.At((g + jj + i * h) * n2 + c0) : in[i];
+            out[i] = last ? d.At((g + jj + i * h) * n2 + c0, n1 * n2) : in[i];
           }
           for (long long t = 0; t < cols; t += kL) {
             CV<T> x[4];
@@ -615,21 +563,32 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
 }
 
 // Out-of-place first step of the blocked plan: row rev_b(n1) of y receives x[n1 + 2^b n2] in
-// natural order of n2, taking eight consecutive n1 at a time so that every read is a run of
-// eight values and every row is written in order.
+// natural order of n2, taking four consecutive n1 at a time: every read is a run of four values
+// and only four rows are written at once, in order (more streams of stores run slower); two
+// complex floats of consecutive n2 are paired into one vector for each row.
 template <class T>
 void ownsFFTGatherRows(Halves<T> x, Halves<T> y, int order, int block) {
+  constexpr int kRun = 4, kP = sd::kPairs<T>;
   const long long n1 = 1LL << block, n2 = 1LL << (order - block);
-  for (long long t = 0; t < n1; t += 8) {
-    T* rows[8];
-    for (int i = 0; i < 8; ++i) {
+  for (long long t = 0; t < n1; t += kRun) {
+    T* rows[kRun];
+    for (int i = 0; i < kRun; ++i) {
       long long v = 0;
       for (int bit = 0; bit < block; ++bit) v |= ((t + i) >> bit & 1) << (block - 1 - bit);
-      rows[i] = y.At(v * n2);
+      rows[i] = y.At(v * n2, n1 * n2);
     }
-    for (long long k2 = 0; k2 < n2; ++k2) {
-      const T* run = x.At(t + n1 * k2);
-      for (int i = 0; i < 8; ++i) sd::Store1(sd::Load1(run + 2 * i), rows[i] + 2 * k2);
+    for (long long k2 = 0; k2 < n2; k2 += kP) {
+      const T* run = x.At(t + n1 * k2, n1 * n2);
+      if constexpr (kP == 2) {
+        const T* next = x.At(t + n1 * (k2 + 1), n1 * n2);
+        for (int i = 0; i < kRun; i += 2) {
+          const sd::Vec<T> a = sd::LoadU(run + 2 * i), b = sd::LoadU(next + 2 * i);
+          sd::StoreU(sd::PairsLo(a, b), rows[i] + 2 * k2);
+          sd::StoreU(sd::PairsHi(a, b), rows[i + 1] + 2 * k2);
+        }
+      } else {
+        for (int i = 0; i < kRun; ++i) sd::StoreU(sd::LoadU(run + 2 * i), rows[i] + 2 * k2);
+      }
     }
   }
 }
@@ -644,7 +603,7 @@ void LargeCore(const LargePlan<T>& pl, int li, Halves<T> d, T* work, long long w
   const long long n1 = 1LL << lv.block, n2 = 1LL << r;
   const RevTable rt(reinterpret_cast<const uint32_t*>(pl.base + lv.offRowRev), r);
   for (long long j = 0; j < n1; ++j) {
-    const Halves<T> row = Whole(d.At(j * n2), n2);
+    const Halves<T> row = Whole(d.At(j * n2, n1 * n2), n2);
     if (li + 1 < pl.count) {
       if (natural) ownsFFTBitRev(row, row, r, rt);
       LargeCore<T, kInv>(pl, li + 1, row, work, workPairs, false, T(0), false);

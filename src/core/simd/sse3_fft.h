@@ -38,6 +38,9 @@ inline void Store2(Vec<Vsp32f> v, Vsp32f* p0, Vsp32f* p1) {
   _mm_storel_pi(reinterpret_cast<__m64*>(p0), v.raw);
   _mm_storeh_pi(reinterpret_cast<__m64*>(p1), v.raw);
 }
+// The vector with its low 8 bytes replaced by those at p (a merging load, no shuffle).
+inline Vec<Vsp64f> LoadLow(Vec<Vsp64f> v, const Vsp64f* p) { return {_mm_loadl_pd(v.raw, p)}; }
+
 // (a.pair0, b.pair0) and (a.pair1, b.pair1) of two complex-float vectors (2 x 2 transpose).
 inline Vec<Vsp32f> PairsLo(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_movelh_ps(a.raw, b.raw)}; }
 inline Vec<Vsp32f> PairsHi(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_movehl_ps(b.raw, a.raw)}; }
