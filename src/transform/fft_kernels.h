@@ -347,13 +347,49 @@ template <class T, bool kInv, int kOrder>
 void StockhamN(const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
   StockhamPasses<T, kInv, true>(kOrder, tw, in, out, tmp, scaled, scale);
 }
-// 2, 4 and 8 points in registers, one complex value per vector.
+// a * W_16^m (kInv: a * conj W_16^m) on interleaved values, the twiddle from the fixed table.
+template <bool kInv, int kM, class T> VSP_FFT_INLINE sd::Vec<T> MulW16(sd::Vec<T> a) {
+  T wr = 0, wi = 0;
+  SineSource<T>{FixedTable<T>(), kFixedOrder}.Twiddle(kM, 16, wr, wi);
+  return sd::AddSub(sd::Mul(a, sd::Set1<T>(wr)), sd::Mul(sd::SwapReIm(a), sd::Set1<T>(kInv ? -wi : wi)));
+}
+// 16 points as 4 x 4: 4-point DFTs of x[j + 4m] over m, the twiddles W_16^(j r), and 4-point
+// DFTs across j; X[r + 4s] lands in v[4r + s]. W_16^2 and W_16^6 multiply as the eighth turns
+// of Bfly8, W_16^4 as a quarter-turn.
+template <bool kInv, class T> VSP_FFT_INLINE void Bfly16(sd::Vec<T>* v) {
+  const sd::Vec<T> h = sd::Set1<T>(static_cast<T>(0.70710678118654752440L));
+  for (int j = 0; j < 4; ++j) Bfly4<kInv>(v[j], v[j + 4], v[j + 8], v[j + 12], v[j], v[j + 4], v[j + 8], v[j + 12]);
+  auto w2 = [&](sd::Vec<T> a) { return sd::Mul(sd::Add(a, sd::MulRot<kInv>(a)), h); };
+  v[5] = MulW16<kInv, 1>(v[5]);
+  v[9] = w2(v[9]);
+  v[13] = MulW16<kInv, 3>(v[13]);
+  v[6] = w2(v[6]);
+  v[10] = sd::MulRot<kInv>(v[10]);
+  v[14] = sd::MulRot<kInv>(w2(v[14]));
+  v[7] = MulW16<kInv, 3>(v[7]);
+  v[11] = sd::MulRot<kInv>(w2(v[11]));
+  v[15] = MulW16<kInv, 9>(v[15]);
+  for (int r = 0; r < 4; ++r) {
+    sd::Vec<T>* u = v + 4 * r;
+    Bfly4<kInv>(u[0], u[1], u[2], u[3], u[0], u[1], u[2], u[3]);
+  }
+}
+// 2, 4, 8 and 16 points in registers, one complex value per vector.
 template <class T, bool kInv, int kOrder>
 void TinyN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   constexpr int kN = 1 << kOrder, kH = kN / 2;
   sd::Vec<T> v[kN];
   for (int j = 0; j < kN; ++j) v[j] = sd::Load1(j < kH ? in.lo + 2 * j : in.hi + 2 * (j - kH));
-  if constexpr (kN == 2) {
+  if constexpr (kN == 16) {
+    // X[r + 4s] is in v[4r + s].
+    Bfly16<kInv, T>(v);
+    const sd::Vec<T> sc = sd::Set1<T>(scale);
+    for (int k = 0; k < kN; ++k) {
+      const sd::Vec<T> x = v[4 * (k % 4) + k / 4];
+      sd::Store1(scaled ? sd::Mul(x, sc) : x, k < kH ? out.lo + 2 * k : out.hi + 2 * (k - kH));
+    }
+    return;
+  } else if constexpr (kN == 2) {
     const sd::Vec<T> a = v[0];
     v[0] = sd::Add(a, v[1]);
     v[1] = sd::Sub(a, v[1]);
@@ -383,7 +419,10 @@ void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale)
     case 1: return TinyN<T, kInv, 1>(in, out, scaled, scale);
     case 2: return TinyN<T, kInv, 2>(in, out, scaled, scale);
     case 3: return TinyN<T, kInv, 3>(in, out, scaled, scale);
-    case 4: return DirectN<T, kInv, 4>(in, out, scaled, scale);
+    case 4:
+      // One complex double per vector: in registers, without the block transposes.
+      if constexpr (sd::kPairs<T> == 1) return TinyN<T, kInv, 4>(in, out, scaled, scale);
+      else return DirectN<T, kInv, 4>(in, out, scaled, scale);
     default: return DirectN<T, kInv, 5>(in, out, scaled, scale);
   }
 }
