@@ -133,7 +133,7 @@ TEST(FftAccuracy, RealEveryOrderAndLayout) {
 TEST(FftAccuracy, FlagsScaleAndRoundTrip) {
   ForEachType(Precisions{}, []<class T>() {
     using F = Fft<T>;
-    for (int order : {0, 1, 3, 5, 6, 7, 10, 11, 15, 17}) {
+    for (int order : {0, 1, 3, 4, 5, 6, 7, 10, 11, 15, 17}) {
       const size_t n = size_t{1} << order;
       const std::vector<T> in = RandomReals<T>(2 * n, 500 + order);
       Built<T> none = Build<T>(kComplex, order, FFT_SCALE_NONE);
