@@ -401,6 +401,38 @@ void TinyN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   const sd::Vec<T> sc = sd::Set1<T>(scale);
   for (int j = 0; j < kN; ++j) sd::Store1(scaled ? sd::Mul(v[j], sc) : v[j], j < kH ? out.lo + 2 * j : out.hi + 2 * (j - kH));
 }
+// The twiddles W_32^(j k), j = 1..3, k = 0..7, as (re, im) pairs at 3 k + j - 1.
+template <class T> struct Tw32 {
+  T v[2 * 24];
+  constexpr Tw32() : v() {
+    for (int k = 0; k < 8; ++k)
+      for (int j = 1; j < 4; ++j)
+        SineSource<T>{FixedTable<T>(), kFixedOrder}.Twiddle(j * k, 32, v[2 * (3 * k + j - 1)], v[2 * (3 * k + j - 1) + 1]);
+  }
+};
+template <class T> inline constexpr Tw32<T> kTw32{};
+// 32 points, one complex value per vector, as the two self-sorting passes 8 x 4 through a stack
+// buffer, both on interleaved values: with only two passes the conversions to blocks and back
+// would cost more shuffles than the complex products of the second pass.
+template <class T, bool kInv>
+void Interleaved32(Halves<T> in, Halves<T> out, bool scaled, T scale) {
+  alignas(16) T buf[64];
+  for (int i = 0; i < 4; ++i) {
+    sd::Vec<T> v[8];
+    for (int j = 0; j < 8; ++j) v[j] = sd::Load1(in.At(i + 4 * j, 32));
+    Bfly8<kInv, T>(v);
+    for (int r = 0; r < 8; ++r) sd::Store1(v[r], buf + 2 * (8 * i + r));
+  }
+  const sd::Vec<T> sc = sd::Set1<T>(scale);
+  for (int k = 0; k < 8; ++k) {
+    sd::Vec<T> v[4];
+    v[0] = sd::Load1(buf + 2 * k);
+    for (int j = 1; j < 4; ++j)
+      v[j] = sd::MulTwiddle<kInv>(sd::Load1(buf + 2 * (k + 8 * j)), sd::Load1(kTw32<T>.v + 2 * (3 * k + j - 1)));
+    Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
+    for (int r = 0; r < 4; ++r) sd::Store1(scaled ? sd::Mul(v[r], sc) : v[r], out.At(k + 8 * r, 32));
+  }
+}
 template <class T, bool kInv, int kOrder>
 void DirectN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   alignas(16) T buf[2 << kOrder];
@@ -423,7 +455,9 @@ void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale)
       // One complex double per vector: in registers, without the block transposes.
       if constexpr (sd::kPairs<T> == 1) return TinyN<T, kInv, 4>(in, out, scaled, scale);
       else return DirectN<T, kInv, 4>(in, out, scaled, scale);
-    default: return DirectN<T, kInv, 5>(in, out, scaled, scale);
+    default:
+      if constexpr (sd::kPairs<T> == 1) return Interleaved32<T, kInv>(in, out, scaled, scale);
+      else return DirectN<T, kInv, 5>(in, out, scaled, scale);
   }
 }
 // A single-level transform with the spec's twiddles; orders 6 and 7 unrolled.
