@@ -347,11 +347,17 @@ template <class T, bool kInv, int kOrder>
 void StockhamN(const T* tw, Halves<T> in, Halves<T> out, Halves<T> tmp, bool scaled, T scale) {
   StockhamPasses<T, kInv, true>(kOrder, tw, in, out, tmp, scaled, scale);
 }
-// a * W_16^m (kInv: a * conj W_16^m) on interleaved values, the twiddle from the fixed table.
+// W_32^m for m = 0..21, as (re, im) pairs: the twiddles of the 16- and 32-point kernels below.
+template <class T> struct W32Powers {
+  T v[2 * 22];
+  constexpr W32Powers() : v() {
+    for (int m = 0; m < 22; ++m) SineSource<T>{FixedTable<T>(), kFixedOrder}.Twiddle(m, 32, v[2 * m], v[2 * m + 1]);
+  }
+};
+template <class T> inline constexpr W32Powers<T> kW32{};
+// a * W_16^m (kInv: a * conj W_16^m) on interleaved values.
 template <bool kInv, int kM, class T> VSP_FFT_INLINE sd::Vec<T> MulW16(sd::Vec<T> a) {
-  T wr = 0, wi = 0;
-  SineSource<T>{FixedTable<T>(), kFixedOrder}.Twiddle(kM, 16, wr, wi);
-  return sd::AddSub(sd::Mul(a, sd::Set1<T>(wr)), sd::Mul(sd::SwapReIm(a), sd::Set1<T>(kInv ? -wi : wi)));
+  return sd::MulTwiddle<kInv>(a, sd::Load1(kW32<T>.v + 2 * (2 * kM)));
 }
 // 16 points as 4 x 4: 4-point DFTs of x[j + 4m] over m, the twiddles W_16^(j r), and 4-point
 // DFTs across j; X[r + 4s] lands in v[4r + s]. W_16^2 and W_16^6 multiply as the eighth turns
@@ -401,16 +407,6 @@ void TinyN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   const sd::Vec<T> sc = sd::Set1<T>(scale);
   for (int j = 0; j < kN; ++j) sd::Store1(scaled ? sd::Mul(v[j], sc) : v[j], j < kH ? out.lo + 2 * j : out.hi + 2 * (j - kH));
 }
-// The twiddles W_32^(j k), j = 1..3, k = 0..7, as (re, im) pairs at 3 k + j - 1.
-template <class T> struct Tw32 {
-  T v[2 * 24];
-  constexpr Tw32() : v() {
-    for (int k = 0; k < 8; ++k)
-      for (int j = 1; j < 4; ++j)
-        SineSource<T>{FixedTable<T>(), kFixedOrder}.Twiddle(j * k, 32, v[2 * (3 * k + j - 1)], v[2 * (3 * k + j - 1) + 1]);
-  }
-};
-template <class T> inline constexpr Tw32<T> kTw32{};
 // 32 points, one complex value per vector, as the two self-sorting passes 8 x 4 through a stack
 // buffer, both on interleaved values: with only two passes the conversions to blocks and back
 // would cost more shuffles than the complex products of the second pass.
@@ -428,7 +424,7 @@ void Interleaved32(Halves<T> in, Halves<T> out, bool scaled, T scale) {
     sd::Vec<T> v[4];
     v[0] = sd::Load1(buf + 2 * k);
     for (int j = 1; j < 4; ++j)
-      v[j] = sd::MulTwiddle<kInv>(sd::Load1(buf + 2 * (k + 8 * j)), sd::Load1(kTw32<T>.v + 2 * (3 * k + j - 1)));
+      v[j] = sd::MulTwiddle<kInv>(sd::Load1(buf + 2 * (k + 8 * j)), sd::Load1(kW32<T>.v + 2 * (j * k)));
     Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
     for (int r = 0; r < 4; ++r) sd::Store1(scaled ? sd::Mul(v[r], sc) : v[r], out.At(k + 8 * r, 32));
   }
