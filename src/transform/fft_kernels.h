@@ -224,6 +224,41 @@ VSP_FFT_INLINE void FirstPassBody(Halves<T> x, Halves<T> y, long long n) {
   }
 }
 
+// The first two radix-4 passes of an even order fused (Ls = 1 to L = 16), for four complex
+// values per block: for each pair of b (lanes b, b + 1 of the interleaved vectors), the first
+// pass of the four i = b + j N/16 as FirstPassBody computes it, whose transposed outputs are
+// the blocks (lanes k = r) that the second pass would read back; their twiddles W_16^(jk) (tw,
+// the table of the second pass) and 4-point DFTs follow in registers, written to positions
+// 16 b + k + 4 r. The same operations as the two passes in turn, so the same bits.
+template <class T, bool kInv>
+VSP_FFT_INLINE void FirstPass16Body(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+  static_assert(sd::kPairs<T> == 2 && sd::kLanes<T> == 4);
+  constexpr int kL = sd::kLanes<T>;
+  const long long m = n / 4, q = n / 16;
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    for (long long b = half * q / 2; b < (half + 1) * q / 2; b += 2, yb += 2 * 32) {
+      CV<T> a[4], c[4];  // the blocks of b and of b + 1, for j = 0..3
+      for (int j = 0; j < 4; ++j) {
+        const long long i = b + j * q;
+        sd::Vec<T> v0 = sd::LoadU(x.lo + 2 * i), v1 = sd::LoadU(x.lo + 2 * (i + m));
+        sd::Vec<T> v2 = sd::LoadU(x.hi + 2 * i), v3 = sd::LoadU(x.hi + 2 * (i + m));
+        Bfly4<kInv>(v0, v1, v2, v3, v0, v1, v2, v3);
+        const sd::Vec<T> lo01 = sd::PairsLo(v0, v1), lo23 = sd::PairsLo(v2, v3);
+        const sd::Vec<T> hi01 = sd::PairsHi(v0, v1), hi23 = sd::PairsHi(v2, v3);
+        a[j] = {sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)};
+        c[j] = {sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)};
+      }
+      for (int p = 0; p < 2; ++p) {
+        CV<T>* u = p ? c : a;
+        for (int j = 1; j < 4; ++j) u[j] = CMul<kInv>(u[j], sd::Load(tw + 2 * kL * (j - 1)), sd::Load(tw + 2 * kL * (j - 1) + kL));
+        BlockBfly4<kInv>(u[0], u[1], u[2], u[3], u[0], u[1], u[2], u[3]);
+        for (int r = 0; r < 4; ++r) StoreBlock(u[r], yb + 2 * (16 * p + 4 * r));
+      }
+    }
+  }
+}
+
 // Inputs of a twiddled pass: block j of R at xl + j is (j < R/2) or xh + (j - R/2) is, each
 // multiplied by its twiddle block (tw: R - 1 blocks of re, im).
 template <class T, bool kInv, int kR>
@@ -279,6 +314,9 @@ VSP_FFT_INLINE void LastPassBody(Halves<T> x, Halves<T> y, long long n, const T*
 template <class T, bool kInv, int kR> VSP_FFT_NOINLINE void FirstPass(Halves<T> x, Halves<T> y, long long n) {
   FirstPassBody<T, kInv, kR>(x, y, n);
 }
+template <class T, bool kInv> VSP_FFT_NOINLINE void FirstPass16(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+  FirstPass16Body<T, kInv>(x, y, n, tw);
+}
 template <class T, bool kInv, int kR>
 VSP_FFT_NOINLINE void MidPass(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
   MidPassBody<T, kInv, kR>(x, y, n, ls, tw);
@@ -291,6 +329,10 @@ template <class T, bool kInv, bool kInl> struct PassSet {
   template <int kR> VSP_FFT_INLINE static void First(Halves<T> x, Halves<T> y, long long n) {
     if constexpr (kInl) FirstPassBody<T, kInv, kR>(x, y, n);
     else FirstPass<T, kInv, kR>(x, y, n);
+  }
+  VSP_FFT_INLINE static void First16(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+    if constexpr (kInl) FirstPass16Body<T, kInv>(x, y, n, tw);
+    else FirstPass16<T, kInv>(x, y, n, tw);
   }
   template <int kR> VSP_FFT_INLINE static void Mid(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
     if constexpr (kInl) MidPassBody<T, kInv, kR>(x, y, n, ls, tw);
@@ -313,10 +355,19 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
   // The first pass writes tmp, or out when the input is in tmp; the last pass writes out, in
   // place when the pass before it wrote there.
   Halves<T> cur = in.lo == tmp.lo ? out : tmp, next = in.lo == tmp.lo ? tmp : out;
-  if (PassLog(order, 0) == 3) P::template First<8>(in, cur, n);
-  else P::template First<4>(in, cur, n);
   long long ls = 1LL << PassLog(order, 0);
-  for (int i = 1; i + 1 < count; ++i, ls *= 4) {
+  int i = 1;
+  if (PassLog(order, 0) == 3) {
+    P::template First<8>(in, cur, n);
+  } else if (sd::kPairs<T> == 2 && count > 2) {
+    // Radix 4 then a middle pass: both at once, radix 16.
+    if constexpr (sd::kPairs<T> == 2) P::First16(in, cur, n, tw);
+    tw += 2 * 3 * ls;
+    ls *= 4, ++i;
+  } else {
+    P::template First<4>(in, cur, n);
+  }
+  for (; i + 1 < count; ++i, ls *= 4) {
     P::template Mid<4>(cur, next, n, ls, tw);
     tw += 2 * 3 * ls;
     const Halves<T> t = cur;
