@@ -273,10 +273,12 @@ VSP_FFT_INLINE void LoadTwiddled(CV<T>* v, const T* xl, const T* xh, long long i
   }
 }
 
-// A middle pass from length ls to R ls: blocks to blocks.
-template <class T, bool kInv, int kR>
-VSP_FFT_INLINE void MidPassBody(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
+// A middle pass from length ls to R ls: blocks to blocks. kLs, when not 0, is ls as a constant,
+// so that the few steps over k of a short ls unroll.
+template <class T, bool kInv, int kR, long long kLs = 0>
+VSP_FFT_INLINE void MidPassBody(Halves<T> x, Halves<T> y, long long n, long long lsRun, const T* tw) {
   constexpr int kL = sd::kLanes<T>;
+  const long long ls = kLs ? kLs : lsRun;
   const long long is = 2 * (n / kR), len = kR * ls, mh = n / 2;
   for (long long b = 0; b < n / len; ++b) {
     T* yb = b * len < mh ? y.lo + 2 * b * len : y.hi + 2 * (b * len - mh);
@@ -317,9 +319,9 @@ template <class T, bool kInv, int kR> VSP_FFT_NOINLINE void FirstPass(Halves<T> 
 template <class T, bool kInv> VSP_FFT_NOINLINE void FirstPass16(Halves<T> x, Halves<T> y, long long n, const T* tw) {
   FirstPass16Body<T, kInv>(x, y, n, tw);
 }
-template <class T, bool kInv, int kR>
+template <class T, bool kInv, int kR, long long kLs>
 VSP_FFT_NOINLINE void MidPass(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
-  MidPassBody<T, kInv, kR>(x, y, n, ls, tw);
+  MidPassBody<T, kInv, kR, kLs>(x, y, n, ls, tw);
 }
 template <class T, bool kInv, int kR>
 VSP_FFT_NOINLINE void LastPass(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
@@ -334,9 +336,10 @@ template <class T, bool kInv, bool kInl> struct PassSet {
     if constexpr (kInl) FirstPass16Body<T, kInv>(x, y, n, tw);
     else FirstPass16<T, kInv>(x, y, n, tw);
   }
-  template <int kR> VSP_FFT_INLINE static void Mid(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
-    if constexpr (kInl) MidPassBody<T, kInv, kR>(x, y, n, ls, tw);
-    else MidPass<T, kInv, kR>(x, y, n, ls, tw);
+  template <int kR, long long kLs = 0>
+  VSP_FFT_INLINE static void Mid(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
+    if constexpr (kInl) MidPassBody<T, kInv, kR, kLs>(x, y, n, ls, tw);
+    else MidPass<T, kInv, kR, kLs>(x, y, n, ls, tw);
   }
   template <int kR>
   VSP_FFT_INLINE static void Last(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
@@ -368,7 +371,8 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
     P::template First<4>(in, cur, n);
   }
   for (; i + 1 < count; ++i, ls *= 4) {
-    P::template Mid<4>(cur, next, n, ls, tw);
+    if (ls == 8) P::template Mid<4, 8>(cur, next, n, ls, tw);
+    else P::template Mid<4>(cur, next, n, ls, tw);
     tw += 2 * 3 * ls;
     const Halves<T> t = cur;
     cur = next;
