@@ -372,6 +372,8 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
   }
   for (; i + 1 < count; ++i, ls *= 4) {
     if (ls == 8) P::template Mid<4, 8>(cur, next, n, ls, tw);
+    else if (ls == 16) P::template Mid<4, 16>(cur, next, n, ls, tw);
+    else if (ls == 32) P::template Mid<4, 32>(cur, next, n, ls, tw);
     else P::template Mid<4>(cur, next, n, ls, tw);
     tw += 2 * 3 * ls;
     const Halves<T> t = cur;
