@@ -183,6 +183,15 @@ template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSou
   }
 }
 
+// Four vectors of two complex floats each, w[r] = (z_r, z'_r), as the blocks (z_0..z_3) and
+// (z'_0..z'_3): a 4 x 4 transposition.
+template <class T> VSP_FFT_INLINE void PairsToBlocks(const sd::Vec<T>* w, CV<T>& lo, CV<T>& hi) {
+  const sd::Vec<T> lo01 = sd::PairsLo(w[0], w[1]), lo23 = sd::PairsLo(w[2], w[3]);
+  const sd::Vec<T> hi01 = sd::PairsHi(w[0], w[1]), hi23 = sd::PairsHi(w[2], w[3]);
+  lo = {sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)};
+  hi = {sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)};
+}
+
 // The first pass: inputs x[i + j N/R] (interleaved; j < R/2 in the low half), outputs, in blocks,
 // at positions R i + r. The DFT runs on the interleaved values (kPairs consecutive i per vector),
 // and one transposition of each kLanes outputs of an i makes a block; no deinterleave is needed.
@@ -202,10 +211,10 @@ VSP_FFT_INLINE void FirstPassBody(Halves<T> x, Halves<T> y, long long n) {
       const sd::Vec<T>* w = v + kL * c;
       T* d = yb + 2 * kL * c;
       if constexpr (kP == 2) {
-        const sd::Vec<T> lo01 = sd::PairsLo(w[0], w[1]), lo23 = sd::PairsLo(w[2], w[3]);
-        const sd::Vec<T> hi01 = sd::PairsHi(w[0], w[1]), hi23 = sd::PairsHi(w[2], w[3]);
-        StoreBlock(CV<T>{sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)}, d);
-        StoreBlock(CV<T>{sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)}, d + 2 * kR);
+        CV<T> lo, hi;
+        PairsToBlocks(w, lo, hi);
+        StoreBlock(lo, d);
+        StoreBlock(hi, d + 2 * kR);
       } else {
         StoreBlock(CV<T>{sd::InterleaveLo(w[0], w[1]), sd::InterleaveHi(w[0], w[1])}, d);
       }
@@ -225,44 +234,35 @@ VSP_FFT_INLINE void FirstPassBody(Halves<T> x, Halves<T> y, long long n) {
   }
 }
 
-// The twiddle-free first pass of radix kR1 (4 or 8) and the radix-4 pass after it fused (Ls = 1
-// to L = 4 kR1), for four complex values per block: for each pair of b (lanes b, b + 1 of the
-// interleaved vectors), the first pass of the four i = b + j N/L as FirstPassBody computes it,
-// whose transposed outputs are the blocks (lanes k = r, kR1 / 4 blocks per i) that the second
-// pass would read back; their twiddles W_L^(jk) (tw, the table of the second pass) and 4-point
-// DFTs follow in registers, written to positions L b + k + kR1 r. The same operations as the
-// two passes in turn, so the same bits.
-template <class T, bool kInv, int kR1>
-VSP_FFT_INLINE void FirstFusedBody(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+// The first two radix-4 passes of an even order fused (Ls = 1 to L = 16), for four complex
+// values per block: for each pair of b (lanes b, b + 1 of the interleaved vectors), the first
+// pass of the four i = b + j N/16 as FirstPassBody computes it, whose transposed outputs are
+// the blocks (lanes k = r) that the second pass would read back; their twiddles W_16^(jk) (tw,
+// the table of the second pass) and 4-point DFTs follow in registers, written to positions
+// 16 b + k + 4 r. The same operations as the two passes in turn, so the same bits.
+template <class T, bool kInv>
+VSP_FFT_INLINE void FirstPass16Body(Halves<T> x, Halves<T> y, long long n, const T* tw) {
   static_assert(sd::kPairs<T> == 2 && sd::kLanes<T> == 4);
-  constexpr int kL = sd::kLanes<T>, kC = kR1 / kL, kH = kR1 / 2, kLen = 4 * kR1;
-  const long long m = n / kR1, q = n / kLen;
+  constexpr int kL = sd::kLanes<T>;
+  const long long m = n / 4, q = n / 16;
   for (int half = 0; half < 2; ++half) {
     T* yb = half ? y.hi : y.lo;
-    for (long long b = half * q / 2; b < (half + 1) * q / 2; b += 2, yb += 2 * 2 * kLen) {
-      CV<T> a[2][kC][4];  // [b or b + 1][block of k][j]
+    for (long long b = half * q / 2; b < (half + 1) * q / 2; b += 2, yb += 2 * 32) {
+      CV<T> a[4], c[4];  // the blocks of b and of b + 1, for j = 0..3
       for (int j = 0; j < 4; ++j) {
         const long long i = b + j * q;
-        sd::Vec<T> v[kR1];
-        for (int jj = 0; jj < kH; ++jj) v[jj] = sd::LoadU(x.lo + 2 * (i + jj * m)), v[jj + kH] = sd::LoadU(x.hi + 2 * (i + jj * m));
-        if constexpr (kR1 == 4) Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
-        else Bfly8<kInv, T>(v);
-        for (int c = 0; c < kC; ++c) {
-          const sd::Vec<T>* w = v + kL * c;
-          const sd::Vec<T> lo01 = sd::PairsLo(w[0], w[1]), lo23 = sd::PairsLo(w[2], w[3]);
-          const sd::Vec<T> hi01 = sd::PairsHi(w[0], w[1]), hi23 = sd::PairsHi(w[2], w[3]);
-          a[0][c][j] = {sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)};
-          a[1][c][j] = {sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)};
-        }
+        sd::Vec<T> v0 = sd::LoadU(x.lo + 2 * i), v1 = sd::LoadU(x.lo + 2 * (i + m));
+        sd::Vec<T> v2 = sd::LoadU(x.hi + 2 * i), v3 = sd::LoadU(x.hi + 2 * (i + m));
+        Bfly4<kInv>(v0, v1, v2, v3, v0, v1, v2, v3);
+        const sd::Vec<T> w[4] = {v0, v1, v2, v3};
+        PairsToBlocks(w, a[j], c[j]);
       }
-      for (int p = 0; p < 2; ++p)
-        for (int c = 0; c < kC; ++c) {
-          CV<T>* u = a[p][c];
-          const T* t = tw + 2 * kL * 3 * c;
-          for (int j = 1; j < 4; ++j) u[j] = CMul<kInv>(u[j], sd::Load(t + 2 * kL * (j - 1)), sd::Load(t + 2 * kL * (j - 1) + kL));
-          BlockBfly4<kInv>(u[0], u[1], u[2], u[3], u[0], u[1], u[2], u[3]);
-          for (int r = 0; r < 4; ++r) StoreBlock(u[r], yb + 2 * (kLen * p + kL * c + kR1 * r));
-        }
+      for (int p = 0; p < 2; ++p) {
+        CV<T>* u = p ? c : a;
+        for (int j = 1; j < 4; ++j) u[j] = CMul<kInv>(u[j], sd::Load(tw + 2 * kL * (j - 1)), sd::Load(tw + 2 * kL * (j - 1) + kL));
+        BlockBfly4<kInv>(u[0], u[1], u[2], u[3], u[0], u[1], u[2], u[3]);
+        for (int r = 0; r < 4; ++r) StoreBlock(u[r], yb + 2 * (16 * p + 4 * r));
+      }
     }
   }
 }
@@ -324,8 +324,8 @@ VSP_FFT_INLINE void LastPassBody(Halves<T> x, Halves<T> y, long long n, const T*
 template <class T, bool kInv, int kR> VSP_FFT_NOINLINE void FirstPass(Halves<T> x, Halves<T> y, long long n) {
   FirstPassBody<T, kInv, kR>(x, y, n);
 }
-template <class T, bool kInv, int kR1> VSP_FFT_NOINLINE void FirstFused(Halves<T> x, Halves<T> y, long long n, const T* tw) {
-  FirstFusedBody<T, kInv, kR1>(x, y, n, tw);
+template <class T, bool kInv> VSP_FFT_NOINLINE void FirstPass16(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+  FirstPass16Body<T, kInv>(x, y, n, tw);
 }
 template <class T, bool kInv, int kR, long long kLs>
 VSP_FFT_NOINLINE void MidPass(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
@@ -340,9 +340,9 @@ template <class T, bool kInv, bool kInl> struct PassSet {
     if constexpr (kInl) FirstPassBody<T, kInv, kR>(x, y, n);
     else FirstPass<T, kInv, kR>(x, y, n);
   }
-  template <int kR1> VSP_FFT_INLINE static void Fused(Halves<T> x, Halves<T> y, long long n, const T* tw) {
-    if constexpr (kInl) FirstFusedBody<T, kInv, kR1>(x, y, n, tw);
-    else FirstFused<T, kInv, kR1>(x, y, n, tw);
+  VSP_FFT_INLINE static void First16(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+    if constexpr (kInl) FirstPass16Body<T, kInv>(x, y, n, tw);
+    else FirstPass16<T, kInv>(x, y, n, tw);
   }
   template <int kR, long long kLs = 0>
   VSP_FFT_INLINE static void Mid(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
@@ -368,16 +368,13 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
   Halves<T> cur = in.lo == tmp.lo ? out : tmp, next = in.lo == tmp.lo ? tmp : out;
   long long ls = 1LL << PassLog(order, 0);
   int i = 1;
-  if (sd::kPairs<T> == 2 && count > 2) {
-    // Complex floats: the first pass and the middle pass after it at once (radix 16 or 32).
-    if constexpr (sd::kPairs<T> == 2) {
-      if (ls == 8) P::template Fused<8>(in, cur, n, tw);
-      else P::template Fused<4>(in, cur, n, tw);
-    }
+  if (PassLog(order, 0) == 3) {
+    P::template First<8>(in, cur, n);
+  } else if (sd::kPairs<T> == 2 && count > 2) {
+    // Radix 4 then a middle pass: both at once, radix 16.
+    if constexpr (sd::kPairs<T> == 2) P::First16(in, cur, n, tw);
     tw += 2 * 3 * ls;
     ls *= 4, ++i;
-  } else if (ls == 8) {
-    P::template First<8>(in, cur, n);
   } else {
     P::template First<4>(in, cur, n);
   }
