@@ -149,7 +149,8 @@ template <class T> VSP_FFT_INLINE void StoreInterleaved(CV<T> v, T* p) {
 // imaginary parts, so that complex products and quarter-turns need no shuffles and the twiddles of
 // a pass are loaded per lane, never broadcast. The first pass (Ls = 1, no twiddles) reads the
 // interleaved input and transposes its outputs into blocks; the last one (L = N) writes the
-// interleaved output, in place when its source is the destination.
+// interleaved output, in place when its source is the destination. For complex floats of an
+// even order the first pass and the one after it run fused (FirstPass16Body).
 
 // log2 of the radix of pass i of a transform of order k >= 4, 0 past the last pass: one radix-8
 // pass first for an odd order (it has no twiddles), radix-4 passes after it. A radix-4 pass on
@@ -182,6 +183,15 @@ template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSou
   }
 }
 
+// Four vectors of two complex floats each, w[r] = (z_r, z'_r), as the blocks (z_0..z_3) and
+// (z'_0..z'_3): a 4 x 4 transposition.
+template <class T> VSP_FFT_INLINE void PairsToBlocks(const sd::Vec<T>* w, CV<T>& lo, CV<T>& hi) {
+  const sd::Vec<T> lo01 = sd::PairsLo(w[0], w[1]), lo23 = sd::PairsLo(w[2], w[3]);
+  const sd::Vec<T> hi01 = sd::PairsHi(w[0], w[1]), hi23 = sd::PairsHi(w[2], w[3]);
+  lo = {sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)};
+  hi = {sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)};
+}
+
 // The first pass: inputs x[i + j N/R] (interleaved; j < R/2 in the low half), outputs, in blocks,
 // at positions R i + r. The DFT runs on the interleaved values (kPairs consecutive i per vector),
 // and one transposition of each kLanes outputs of an i makes a block; no deinterleave is needed.
@@ -201,10 +211,10 @@ VSP_FFT_INLINE void FirstPassBody(Halves<T> x, Halves<T> y, long long n) {
       const sd::Vec<T>* w = v + kL * c;
       T* d = yb + 2 * kL * c;
       if constexpr (kP == 2) {
-        const sd::Vec<T> lo01 = sd::PairsLo(w[0], w[1]), lo23 = sd::PairsLo(w[2], w[3]);
-        const sd::Vec<T> hi01 = sd::PairsHi(w[0], w[1]), hi23 = sd::PairsHi(w[2], w[3]);
-        StoreBlock(CV<T>{sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)}, d);
-        StoreBlock(CV<T>{sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)}, d + 2 * kR);
+        CV<T> lo, hi;
+        PairsToBlocks(w, lo, hi);
+        StoreBlock(lo, d);
+        StoreBlock(hi, d + 2 * kR);
       } else {
         StoreBlock(CV<T>{sd::InterleaveLo(w[0], w[1]), sd::InterleaveHi(w[0], w[1])}, d);
       }
@@ -224,6 +234,39 @@ VSP_FFT_INLINE void FirstPassBody(Halves<T> x, Halves<T> y, long long n) {
   }
 }
 
+// The first two radix-4 passes of an even order fused (Ls = 1 to L = 16), for four complex
+// values per block: for each pair of b (lanes b, b + 1 of the interleaved vectors), the first
+// pass of the four i = b + j N/16 as FirstPassBody computes it, whose transposed outputs are
+// the blocks (lanes k = r) that the second pass would read back; their twiddles W_16^(jk) (tw,
+// the table of the second pass) and 4-point DFTs follow in registers, written to positions
+// 16 b + k + 4 r. The same operations as the two passes in turn, so the same bits.
+template <class T, bool kInv>
+VSP_FFT_INLINE void FirstPass16Body(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+  static_assert(sd::kPairs<T> == 2 && sd::kLanes<T> == 4);
+  constexpr int kL = sd::kLanes<T>;
+  const long long m = n / 4, q = n / 16;
+  for (int half = 0; half < 2; ++half) {
+    T* yb = half ? y.hi : y.lo;
+    for (long long b = half * q / 2; b < (half + 1) * q / 2; b += 2, yb += 2 * 32) {
+      CV<T> a[4], c[4];  // the blocks of b and of b + 1, for j = 0..3
+      for (int j = 0; j < 4; ++j) {
+        const long long i = b + j * q;
+        sd::Vec<T> v0 = sd::LoadU(x.lo + 2 * i), v1 = sd::LoadU(x.lo + 2 * (i + m));
+        sd::Vec<T> v2 = sd::LoadU(x.hi + 2 * i), v3 = sd::LoadU(x.hi + 2 * (i + m));
+        Bfly4<kInv>(v0, v1, v2, v3, v0, v1, v2, v3);
+        const sd::Vec<T> w[4] = {v0, v1, v2, v3};
+        PairsToBlocks(w, a[j], c[j]);
+      }
+      for (int p = 0; p < 2; ++p) {
+        CV<T>* u = p ? c : a;
+        for (int j = 1; j < 4; ++j) u[j] = CMul<kInv>(u[j], sd::Load(tw + 2 * kL * (j - 1)), sd::Load(tw + 2 * kL * (j - 1) + kL));
+        BlockBfly4<kInv>(u[0], u[1], u[2], u[3], u[0], u[1], u[2], u[3]);
+        for (int r = 0; r < 4; ++r) StoreBlock(u[r], yb + 2 * (16 * p + 4 * r));
+      }
+    }
+  }
+}
+
 // Inputs of a twiddled pass: block j of R at xl + j is (j < R/2) or xh + (j - R/2) is, each
 // multiplied by its twiddle block (tw: R - 1 blocks of re, im).
 template <class T, bool kInv, int kR>
@@ -238,10 +281,12 @@ VSP_FFT_INLINE void LoadTwiddled(CV<T>* v, const T* xl, const T* xh, long long i
   }
 }
 
-// A middle pass from length ls to R ls: blocks to blocks.
-template <class T, bool kInv, int kR>
-VSP_FFT_INLINE void MidPassBody(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
+// A middle pass from length ls to R ls: blocks to blocks. kLs, when not 0, is ls as a constant,
+// so that the few steps over k of a short ls unroll.
+template <class T, bool kInv, int kR, long long kLs = 0>
+VSP_FFT_INLINE void MidPassBody(Halves<T> x, Halves<T> y, long long n, long long lsRun, const T* tw) {
   constexpr int kL = sd::kLanes<T>;
+  const long long ls = kLs ? kLs : lsRun;
   const long long is = 2 * (n / kR), len = kR * ls, mh = n / 2;
   for (long long b = 0; b < n / len; ++b) {
     T* yb = b * len < mh ? y.lo + 2 * b * len : y.hi + 2 * (b * len - mh);
@@ -279,9 +324,12 @@ VSP_FFT_INLINE void LastPassBody(Halves<T> x, Halves<T> y, long long n, const T*
 template <class T, bool kInv, int kR> VSP_FFT_NOINLINE void FirstPass(Halves<T> x, Halves<T> y, long long n) {
   FirstPassBody<T, kInv, kR>(x, y, n);
 }
-template <class T, bool kInv, int kR>
+template <class T, bool kInv> VSP_FFT_NOINLINE void FirstPass16(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+  FirstPass16Body<T, kInv>(x, y, n, tw);
+}
+template <class T, bool kInv, int kR, long long kLs>
 VSP_FFT_NOINLINE void MidPass(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
-  MidPassBody<T, kInv, kR>(x, y, n, ls, tw);
+  MidPassBody<T, kInv, kR, kLs>(x, y, n, ls, tw);
 }
 template <class T, bool kInv, int kR>
 VSP_FFT_NOINLINE void LastPass(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
@@ -292,9 +340,14 @@ template <class T, bool kInv, bool kInl> struct PassSet {
     if constexpr (kInl) FirstPassBody<T, kInv, kR>(x, y, n);
     else FirstPass<T, kInv, kR>(x, y, n);
   }
-  template <int kR> VSP_FFT_INLINE static void Mid(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
-    if constexpr (kInl) MidPassBody<T, kInv, kR>(x, y, n, ls, tw);
-    else MidPass<T, kInv, kR>(x, y, n, ls, tw);
+  VSP_FFT_INLINE static void First16(Halves<T> x, Halves<T> y, long long n, const T* tw) {
+    if constexpr (kInl) FirstPass16Body<T, kInv>(x, y, n, tw);
+    else FirstPass16<T, kInv>(x, y, n, tw);
+  }
+  template <int kR, long long kLs = 0>
+  VSP_FFT_INLINE static void Mid(Halves<T> x, Halves<T> y, long long n, long long ls, const T* tw) {
+    if constexpr (kInl) MidPassBody<T, kInv, kR, kLs>(x, y, n, ls, tw);
+    else MidPass<T, kInv, kR, kLs>(x, y, n, ls, tw);
   }
   template <int kR>
   VSP_FFT_INLINE static void Last(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
@@ -313,11 +366,23 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
   // The first pass writes tmp, or out when the input is in tmp; the last pass writes out, in
   // place when the pass before it wrote there.
   Halves<T> cur = in.lo == tmp.lo ? out : tmp, next = in.lo == tmp.lo ? tmp : out;
-  if (PassLog(order, 0) == 3) P::template First<8>(in, cur, n);
-  else P::template First<4>(in, cur, n);
   long long ls = 1LL << PassLog(order, 0);
-  for (int i = 1; i + 1 < count; ++i, ls *= 4) {
-    P::template Mid<4>(cur, next, n, ls, tw);
+  int i = 1;
+  if (PassLog(order, 0) == 3) {
+    P::template First<8>(in, cur, n);
+  } else if (sd::kPairs<T> == 2 && count > 2) {
+    // Radix 4 then a middle pass: both at once, radix 16.
+    if constexpr (sd::kPairs<T> == 2) P::First16(in, cur, n, tw);
+    tw += 2 * 3 * ls;
+    ls *= 4, ++i;
+  } else {
+    P::template First<4>(in, cur, n);
+  }
+  for (; i + 1 < count; ++i, ls *= 4) {
+    if (ls == 8) P::template Mid<4, 8>(cur, next, n, ls, tw);
+    else if (ls == 16) P::template Mid<4, 16>(cur, next, n, ls, tw);
+    else if (ls == 32) P::template Mid<4, 32>(cur, next, n, ls, tw);
+    else P::template Mid<4>(cur, next, n, ls, tw);
     tw += 2 * 3 * ls;
     const Halves<T> t = cur;
     cur = next;
