@@ -452,14 +452,11 @@ void TinyN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   sd::Vec<T> v[kN];
   for (int j = 0; j < kN; ++j) v[j] = sd::Load1(j < kH ? in.lo + 2 * j : in.hi + 2 * (j - kH));
   if constexpr (kN == 16) {
-    // X[r + 4s] is in v[4r + s].
-    Bfly16<kInv, T>(v);
-    const sd::Vec<T> sc = sd::Set1<T>(scale);
-    for (int k = 0; k < kN; ++k) {
-      const sd::Vec<T> x = v[4 * (k % 4) + k / 4];
-      sd::Store1(scaled ? sd::Mul(x, sc) : x, k < kH ? out.lo + 2 * k : out.hi + 2 * (k - kH));
-    }
-    return;
+    // X[r + 4s] is in u[4r + s]; v takes the outputs in their natural order.
+    sd::Vec<T> u[kN];
+    for (int j = 0; j < kN; ++j) u[j] = v[j];
+    Bfly16<kInv, T>(u);
+    for (int k = 0; k < kN; ++k) v[k] = u[4 * (k % 4) + k / 4];
   } else if constexpr (kN == 2) {
     const sd::Vec<T> a = v[0];
     v[0] = sd::Add(a, v[1]);
