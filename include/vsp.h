@@ -169,6 +169,14 @@ typedef struct {
 #define VSPAPI
 #endif
 
+/* Opaque spec and state types of the groups (the VSP_DEF_TYPES sections of the list), then the
+   rows. */
+#define VSP_DEF_TYPES
+#define VSP_FN(ret, name, params)
+#include "vsp/exports.def"
+#undef VSP_FN
+#undef VSP_DEF_TYPES
+
 #define VSP_FN(ret, name, params) VSPAPI ret name params;
 #include "vsp/exports.def"
 #undef VSP_FN
