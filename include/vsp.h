@@ -140,7 +140,11 @@ enum {
 };
 
 /* FFT spec blocks: opaque, laid out by vspsFFTInit_* in caller memory of the size that
-   vspsFFTGetSize_* reports, read-only afterwards (one spec may serve concurrent calls). */
+   vspsFFTGetSize_* reports, read-only afterwards (one spec may serve concurrent calls).
+   Spec and state blocks of every family must not be moved or copied after Init: the FFT header
+   holds the addresses of its own tables, so a copy would silently read the original's. To move
+   a block, run its Init again at the new address. A block whose Init returned an error is
+   refused by the processing functions with vspStatBadContext (-17). */
 typedef struct VspFFTSpec_C_32fc VspFFTSpec_C_32fc;
 typedef struct VspFFTSpec_C_32f VspFFTSpec_C_32f;
 typedef struct VspFFTSpec_R_32f VspFFTSpec_R_32f;

@@ -7,11 +7,11 @@ namespace {
 
 using namespace vsp;
 
-// The byte count is len * sizeof(T) in 32-bit arithmetic; counts of 2^31 bytes or more are
-// outside the contract of these functions.
+// The byte count of len elements, in 64-bit arithmetic: every len an int holds is valid, and a
+// 2^28-element vector of 64fc is 4 GiB.
 template <class T>
 size_t Bytes(int len) {
-  return static_cast<size_t>(static_cast<unsigned>(len) * static_cast<unsigned>(sizeof(T)));
+  return static_cast<size_t>(len) * sizeof(T);
 }
 
 template <class T>

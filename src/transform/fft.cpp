@@ -145,6 +145,7 @@ VspStatus Init(uint32_t id, bool real, void** ppSpec, int order, int flag, int h
   const int c = real ? order - 1 : order;
   if (c >= 6) h->workBytes = static_cast<int32_t>(BuildComplex(h, bump, c, src));
   if (real && order > P::kRealDirectMax) BuildRecombination(h, bump, order, src);
+  h->done = block::kDone;
   *ppSpec = base;
   return vspStatOk;
 }
@@ -153,11 +154,15 @@ VspStatus Init(uint32_t id, bool real, void** ppSpec, int order, int flag, int h
 
 template <class T> const SpecHeader<T>* Header(const void* spec) { return static_cast<const SpecHeader<T>*>(spec); }
 
+// A spec of kind `id` whose Init ran to the end (an Init that failed after writing the
+// identifier, e.g. for a missing init buffer, leaves no completion mark).
+template <class T> bool Finished(const SpecHeader<T>* h, uint32_t id) { return h->id == id && h->done == block::kDone; }
+
 // Checks common to every Fwd/Inv: the spec, its identifier, the data pointers, the buffer.
 template <class T, class... D>
 VspStatus CheckCall(const void* spec, uint32_t id, const Vsp8u* buf, const D*... data) {
   if (spec == nullptr) return vspStatNullPtr;
-  if (Header<T>(spec)->id != id) return vspStatBadContext;
+  if (!Finished(Header<T>(spec), id)) return vspStatBadContext;
   if (AnyNull(data...)) return vspStatNullPtr;
   if (buf == nullptr && Header<T>(spec)->workBytes > 0) return vspStatNullPtr;
   return vspStatOk;
@@ -333,7 +338,7 @@ VspStatus Real(uint32_t id, Layout lay, const T* src, T* dst, const void* spec, 
 template <class T> VspStatus GetBufSize(const void* spec, uint32_t id, int* pSize) {
   if (AnyNull(spec, pSize)) return vspStatNullPtr;
   const SpecHeader<T>* h = Header<T>(spec);
-  if (h->id != id) return vspStatBadContext;
+  if (!Finished(h, id)) return vspStatBadContext;
   *pSize = h->workBytes > 0 ? h->workBytes + 64 : 0;
   return vspStatOk;
 }

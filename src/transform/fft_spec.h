@@ -4,12 +4,17 @@
 
 #include <cstdint>
 
+#include "core/block.h"
 #include "transform/fft_kernels.h"
 #include "vsp.h"
 
 namespace vsp::fft {
 
-enum : uint32_t { kIdC32fc = 4, kIdC32f = 5, kIdR32f = 6, kIdC64fc = 7, kIdC64f = 8, kIdR64f = 9 };
+// The identifiers of the six kinds, from the library-wide list.
+enum : uint32_t {
+  kIdC32fc = block::kFFT_C_32fc, kIdC32f = block::kFFT_C_32f, kIdR32f = block::kFFT_R_32f,
+  kIdC64fc = block::kFFT_C_64fc, kIdC64f = block::kFFT_C_64f, kIdR64f = block::kFFT_R_64f
+};
 
 inline constexpr int kHeaderBytes = 144;
 inline constexpr int kMaxLevels = 2;
@@ -27,7 +32,7 @@ template <class T> struct SpecHeader {
   const uint32_t* bitRev;  // bit-reversal table of the blocked permutation, behind the header
   const T* twiddle;        // Stockham twiddles (of the rows, in the blocked plan)
   int32_t levels;          // blocked plan: number of levels (0: single level or direct)
-  int32_t reserved;
+  uint32_t done;           // block::kDone once Init has finished; the transforms refuse others
   Level level[kMaxLevels];
   const T* recFwd;  // real specs: forward recombination twiddles
   const T* recInv;  // real specs: inverse recombination twiddles
