@@ -39,8 +39,7 @@ struct Broadcast {
   T v;
   hw::Vec<BaseOf<T>> vec;
   explicit Broadcast(T value) : v(value) {
-    constexpr int kCopies = 16 / static_cast<int>(sizeof(T));
-    alignas(16) T lanes[kCopies];
+    alignas(hw::kVecBytes) T lanes[hw::kLanes<T>];
     for (T& x : lanes) x = value;
     vec = hw::Load(reinterpret_cast<const BaseOf<T>*>(lanes));
   }
@@ -131,7 +130,7 @@ constexpr long long kStreamBytes = 4LL << 20;
 template <class T>
 inline bool StreamOutput(const T* d, long long n, const void* x, const void* y) {
   const uintptr_t a = reinterpret_cast<uintptr_t>(d);
-  return n * static_cast<long long>(sizeof(T)) >= kStreamBytes && a % (sizeof(T) < 16 ? sizeof(T) : 16) == 0 &&
+  return n * static_cast<long long>(sizeof(T)) >= kStreamBytes && a % (sizeof(T) < hw::kVecBytes ? sizeof(T) : hw::kVecBytes) == 0 &&
          static_cast<const void*>(d) != x && static_cast<const void*>(d) != y;
 }
 template <bool kStream, class B>
@@ -145,7 +144,7 @@ inline void Put(hw::Vec<B> v, B* p) {
 template <class Op, class T, class X, class Y, bool kCheckZero = false, bool kStream = false>
 struct FloatEach {
   using B = BaseOf<T>;
-  static constexpr int kPer = 16 / static_cast<int>(sizeof(T));
+  static constexpr int kPer = hw::kLanes<T>;  // elements per vector
   static constexpr int kStep = 4 * kPer;
   X x;
   Y y;
@@ -165,8 +164,8 @@ struct FloatEach {
       hw::Vec<B> yv = y.Load(i + k * kPer);
       if constexpr (kCheckZero) zeros = hw::Or(zeros, ZeroElements<T>(yv));
       hw::Vec<B> r = Op::template Vector<T>(x.Load(i + k * kPer), yv);
-      if constexpr (kAccumulates<Op>) r = hw::Add(hw::LoadU(out + k * (16 / sizeof(B))), r);
-      Put<kStream>(r, out + k * (16 / sizeof(B)));
+      if constexpr (kAccumulates<Op>) r = hw::Add(hw::LoadU(out + k * hw::kLanes<B>), r);
+      Put<kStream>(r, out + k * hw::kLanes<B>);
     }
   }
   bool Flagged() const { return flag || hw::AnyTrue(zeros); }
@@ -214,7 +213,7 @@ template <class T> inline void ownsAddProductC(const T* a, T c, T* d, long long 
 template <class B>
 struct MulRealComplexEach {
   using C = std::conditional_t<std::is_same_v<B, Vsp32f>, Vsp32fc, Vsp64fc>;
-  static constexpr int kPer = 16 / static_cast<int>(sizeof(C));
+  static constexpr int kPer = hw::kLanes<C>;  // elements per vector
   static constexpr int kStep = 2 * kPer;
   const B* a;
   const C* b;
@@ -223,7 +222,7 @@ struct MulRealComplexEach {
   void Vector(long long i) {
     const B* bb = reinterpret_cast<const B*>(b + i);
     B* out = reinterpret_cast<B*>(d + i);
-    constexpr int kLanes = 16 / sizeof(B);
+    constexpr int kLanes = hw::kLanes<B>;
     if constexpr (kPer == 2) {
       hw::Vec<B> r = hw::LoadU(a + i);  // four reals cover two steps of two complex elements
       hw::StoreU(hw::Mul(hw::InterleaveLo(r, r), hw::LoadU(bb)), out);

@@ -67,11 +67,11 @@ struct SmallInt {
   using Elem = T;
   using Group = I4;
   static constexpr int kWidth = 1;                          // storage units per element
-  static constexpr int kStep = 16 / static_cast<int>(sizeof(T));  // elements per vector
+  static constexpr int kStep = hw::kLanes<T>;  // elements per vector
   static Group LoadOne(const T* p) { return hw::Set1<Vsp32s>(*p); }
   template <int kGroups>
   static void Load(const T* p, Group (&g)[kGroups]) {
-    for (int v = 0; v < kGroups * 4 / kStep; ++v) {
+    for (int v = 0; v < kGroups * hw::kLanes<Vsp32s> / kStep; ++v) {
       auto x = hw::LoadU(p + v * kStep);
       if constexpr (sizeof(T) == 1) {
         auto lo = hw::PromoteLo(x), hi = hw::PromoteHi(x);
@@ -86,16 +86,16 @@ struct SmallInt {
   // Saturating; a 16u destination takes lanes of at least INT32_MIN + 32768 (all that reach it).
   template <int kGroups>
   static void Store(const Group (&g)[kGroups], T* p) {
-    for (int v = 0; v < kGroups * 4 / kStep; ++v) {
+    for (int v = 0; v < kGroups * hw::kLanes<Vsp32s> / kStep; ++v) {
       if constexpr (std::is_same_v<T, Vsp8u> || std::is_same_v<T, Vsp8s>) {
         const Group* s = g + 4 * v;
         auto a = hw::NarrowSat16s(s[0], s[1]), b = hw::NarrowSat16s(s[2], s[3]);
-        if constexpr (std::is_same_v<T, Vsp8u>) hw::StoreU(hw::NarrowSat8u(a, b), p + 16 * v);
-        else hw::StoreU(hw::NarrowSat8s(a, b), p + 16 * v);
+        if constexpr (std::is_same_v<T, Vsp8u>) hw::StoreU(hw::NarrowSat8u(a, b), p + kStep * v);
+        else hw::StoreU(hw::NarrowSat8s(a, b), p + kStep * v);
       } else if constexpr (std::is_same_v<T, Vsp16s>) {
-        hw::StoreU(hw::NarrowSat16s(g[2 * v], g[2 * v + 1]), p + 8 * v);
+        hw::StoreU(hw::NarrowSat16s(g[2 * v], g[2 * v + 1]), p + kStep * v);
       } else {
-        hw::StoreU(hw::NarrowSat16u(g[2 * v], g[2 * v + 1]), p + 8 * v);
+        hw::StoreU(hw::NarrowSat16u(g[2 * v], g[2 * v + 1]), p + kStep * v);
       }
     }
   }
@@ -145,6 +145,9 @@ struct Packed24 {
   using Elem = Vsp8u;
   using Group = I4;
   static constexpr int kWidth = 3;
+  // The byte shuffles below move four samples per 16-byte vector: a layer of another width gives
+  // this format its own Load and Store.
+  static_assert(hw::kVecBytes == 16, "packed 24-bit shuffles are written for 16-byte vectors");
   static constexpr int kStep = 16;
 
   static Group LoadOne(const Vsp8u* p) {
@@ -186,7 +189,7 @@ struct Packed24 {
       for (int b = 0; b < 3; ++b) m.lane[k][4 * k + b] = 0xFF, m.sample[k][3 * k + b] = 0xFF;
     return m;
   }
-  alignas(16) static constexpr Masks kMasks = MakeMasks();
+  alignas(hw::kVecBytes) static constexpr Masks kMasks = MakeMasks();
   static hw::Vec<Vsp8u> M(const Vsp8u (&m)[16]) { return hw::Load(m); }
 
   // Four packed samples (bytes 0..11) to four lanes, sign-extended for 24s.
@@ -250,8 +253,8 @@ struct HalfBits : SmallInt<Vsp16u> {
 // elements never reach a boundary; at most n.
 inline long long HeadToAlign(const void* dst, int bytes, long long n) {
   const uintptr_t a = reinterpret_cast<uintptr_t>(dst);
-  for (long long h = 0; h < 16; ++h)
-    if (((a + static_cast<uintptr_t>(h * bytes)) & 15) == 0) return h < n ? h : n;
+  for (long long h = 0; h < hw::kVecBytes; ++h)
+    if (((a + static_cast<uintptr_t>(h * bytes)) % hw::kVecBytes) == 0) return h < n ? h : n;
   return 0;
 }
 
@@ -263,7 +266,7 @@ inline void ConvertOne(const typename SF::Elem* s, typename DF::Elem* d, const S
   const DG r = step(SF::LoadOne(s));
   DG g[kOutGroups];
   for (DG& x : g) x = r;
-  alignas(16) typename DF::Elem tmp[kOutGroups * 4 * DF::kWidth];
+  alignas(hw::kVecBytes) typename DF::Elem tmp[kOutGroups * 4 * DF::kWidth];
   DF::Store(g, tmp);
   std::memcpy(d, tmp, sizeof(typename DF::Elem) * DF::kWidth);
 }

@@ -132,8 +132,8 @@ struct DivEach {
   void Vector(long long i) {
     using namespace hw;
     Vec<Vsp32s> n[kK], q[kK], r[kK];
-    Widen(num.Load(i), n);
-    Widen(den.Load(i), q);
+    PromoteAll(num.Load(i), n);
+    PromoteAll(den.Load(i), q);
     const Vec<Vsp32s> dmax = Set1<Vsp32s>(kMaxOf<D>), dmin = Set1<Vsp32s>(kMinOf<D>);
     for (int k = 0; k < kK; ++k) {
       r[k] = Round(Pair(n[k], q[k]), Pair(ShiftBytesDown<8>(n[k]), ShiftBytesDown<8>(q[k])));

@@ -90,7 +90,7 @@ inline void StoreNarrow(const hw::Vec<L> (&r)[K], D* d) {
 // The lanes of an integer vector widened exactly to L: 16 / sizeof(S) * sizeof(S) / sizeof(L)
 // vectors, lowest lanes first.
 template <class L, class S, int K = static_cast<int>(sizeof(L) / sizeof(S))>
-inline void Widen(hw::Vec<S> v, hw::Vec<L> (&out)[K]) {
+inline void PromoteAll(hw::Vec<S> v, hw::Vec<L> (&out)[K]) {
   if constexpr (sizeof(L) == sizeof(S)) {
     out[0] = hw::BitCast<L>(v);
   } else if constexpr (sizeof(L) == 2 * sizeof(S)) {
@@ -98,10 +98,10 @@ inline void Widen(hw::Vec<S> v, hw::Vec<L> (&out)[K]) {
     out[1] = hw::BitCast<L>(hw::PromoteHi(v));
   } else {
     hw::Vec<hw::Wider<S>> half[2];
-    Widen(v, half);
+    PromoteAll(v, half);
     hw::Vec<L> a[2], b[2];
-    Widen(half[0], a);
-    Widen(half[1], b);
+    PromoteAll(half[0], a);
+    PromoteAll(half[1], b);
     out[0] = a[0], out[1] = a[1], out[2] = b[0], out[3] = b[1];
   }
 }
@@ -182,8 +182,8 @@ struct IntOp {
       hw::MulWide(x, y, r[0], r[1]);
     } else {
       hw::Vec<L> a[K], b[K];
-      Widen(x, a);
-      Widen(y, b);
+      PromoteAll(x, a);
+      PromoteAll(y, b);
       for (int k = 0; k < K; ++k) {
         if constexpr (std::is_same_v<Kind, AddKind>) r[k] = hw::Add(a[k], b[k]);
         else if constexpr (std::is_same_v<Kind, SubKind>) r[k] = hw::Sub(a[k], b[k]);
@@ -295,7 +295,7 @@ struct PairBroadcast {
   B v[2];
   hw::Vec<B> even, odd;
   PairBroadcast(B re, B im) : v{re, im} {
-    alignas(16) B lanes[hw::kLanes<B>];
+    alignas(hw::kVecBytes) B lanes[hw::kLanes<B>];
     for (int k = 0; k < hw::kLanes<B>; ++k) lanes[k] = v[k & 1];
     even = hw::Load(lanes);
     for (int k = 0; k < hw::kLanes<B>; ++k) lanes[k] = v[(k + 1) & 1];
@@ -310,7 +310,7 @@ struct Widened16 {
   using Elem = Vsp32s;
   const Vsp16s* p;
   Vsp32s At(long long i) const { return p[i]; }
-  hw::Vec<Vsp32s> Load(long long i) const { return hw::PromoteLo(hw::LoadLow(p + i)); }
+  hw::Vec<Vsp32s> Load(long long i) const { return hw::PromoteLo(hw::LoadHalf(p + i)); }
 };
 
 // The products of two 16s vectors read as 32s elements (exact: |a * b| <= 2^30).
@@ -321,7 +321,7 @@ struct Products16 {
   Vsp32s At(long long i) const { return Vsp32s(a[i]) * b[i]; }
   hw::Vec<Vsp32s> Load(long long i) const {
     hw::Vec<Vsp32s> lo, hi;
-    hw::MulWide(hw::LoadLow(a + i), hw::LoadLow(b + i), lo, hi);
+    hw::MulWide(hw::LoadHalf(a + i), hw::LoadHalf(b + i), lo, hi);
     return lo;
   }
 };
@@ -353,7 +353,7 @@ struct ScaledEach {
       Op::Vector(x.Load(i), y.Load(i), r);
       if constexpr (Op::kAcc) {
         hw::Vec<L> acc[kK];
-        Widen(hw::LoadU(d + i), acc);
+        PromoteAll(hw::LoadU(d + i), acc);
         for (int j = 0; j < kK; ++j) r[j] = hw::Add(r[j], acc[j]);
       }
       for (auto& v : r) v = k.template Apply<P>(v);

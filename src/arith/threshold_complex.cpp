@@ -67,7 +67,7 @@ struct Cplx<Vsp16sc> {
   static constexpr int kCount = 4;
   static M Square(double level) { return hw::Set1(static_cast<Vsp32u>(level * level)); }
   static M Mag2(V v, VD) { return hw::BitCast<Vsp32u>(hw::MulAddPairs(v, v)); }
-  static V Widen(M m) { return hw::BitCast<Vsp16s>(m); }
+  static V MaskOfElements(M m) { return hw::BitCast<Vsp16s>(m); }
   static void Unpack(V v, VD (&z)[kCount]) {
     const auto lo = hw::PromoteLo(v), hi = hw::PromoteHi(v);
     z[0] = hw::ConvertLoToDouble(lo), z[1] = hw::ConvertLoToDouble(hw::ShiftBytesDown<8>(lo));
@@ -95,7 +95,7 @@ struct Cplx<Vsp32fc> {
     const VD z0 = hw::PromoteLo(v), z1 = hw::PromoteHi(v);
     return hw::PairSums(hw::Mul(z0, z0), hw::Mul(z1, z1));
   }
-  static V Widen(M m) { return hw::BitCast<Vsp32f>(m); }
+  static V MaskOfElements(M m) { return hw::BitCast<Vsp32f>(m); }
   static void Unpack(V v, VD (&z)[kCount]) { z[0] = hw::PromoteLo(v), z[1] = hw::PromoteHi(v); }
   static V Pack(const VD (&z)[kCount]) { return hw::Demote(z[0], z[1]); }
 };
@@ -107,7 +107,7 @@ struct Cplx<Vsp64fc> {
   static constexpr int kCount = 1;
   static M Square(double scaledLevel) { return hw::Set1(scaledLevel * scaledLevel); }
   static M Mag2(V v, VD scale) { return Magnitude2(v, scale); }
-  static V Widen(M m) { return m; }
+  static V MaskOfElements(M m) { return m; }
   static void Unpack(V v, VD (&z)[kCount]) { z[0] = v; }
   static V Pack(const VD (&z)[kCount]) { return z[0]; }
 };
@@ -144,7 +144,7 @@ struct ToLevelRule {
   const CallLevel<T>& lv;
   V operator()(V x) const {
     const auto m = C::Mag2(x, lv.scaleV);
-    const V mask = C::Widen(kRel == Rel::kLess ? hw::Lt(m, lv.square) : hw::Gt(m, lv.square));
+    const V mask = C::MaskOfElements(kRel == Rel::kLess ? hw::Lt(m, lv.square) : hw::Gt(m, lv.square));
     if (!hw::AnyTrue(mask)) return x;
     VD z[C::kCount];
     C::Unpack(x, z);
@@ -163,8 +163,8 @@ struct ToValueRule {
   V value;
   V operator()(V x) const {
     const auto m = C::Mag2(x, lv.scaleV);
-    if constexpr (kRel == Rel::kLess) return hw::Select(C::Widen(hw::Le(lv.square, m)), x, value);
-    else return hw::Select(C::Widen(hw::Gt(m, lv.square)), value, x);
+    if constexpr (kRel == Rel::kLess) return hw::Select(C::MaskOfElements(hw::Le(lv.square, m)), x, value);
+    else return hw::Select(C::MaskOfElements(hw::Gt(m, lv.square)), value, x);
   }
 };
 

@@ -19,13 +19,13 @@ template <class T>
 struct ElemVec {
   using Lane = BaseOf<T>;
   using V = hw::Vec<Lane>;
-  static constexpr int kPerVec = 16 / static_cast<int>(sizeof(T));
+  static constexpr int kPer = hw::kLanes<T>;  // elements per vector
 
   static V Load(const T* p) { return hw::LoadU(reinterpret_cast<const Lane*>(p)); }
   static void Store(V v, T* p) { hw::StoreU(v, reinterpret_cast<Lane*>(p)); }
   // x in every element slot of a vector.
   static V Broadcast(const T& x) {
-    if constexpr (sizeof(T) == 16) {
+    if constexpr (sizeof(T) == hw::kVecBytes) {
       return Load(&x);
     } else {
       BitsOf<sizeof(T)> bits;
@@ -35,7 +35,7 @@ struct ElemVec {
   }
   // The first element slot of v.
   static void StoreFirst(V v, T* p) {
-    if constexpr (sizeof(T) == 16) {
+    if constexpr (sizeof(T) == hw::kVecBytes) {
       Store(v, p);
     } else {
       const BitsOf<sizeof(T)> bits = hw::GetLane0(hw::BitCast<BitsOf<sizeof(T)>>(v));
@@ -49,13 +49,13 @@ template <class T, class Rule>
 struct ThresholdOp {
   using E = ElemVec<T>;
   static constexpr int kVectors = 4;
-  static constexpr int kStep = kVectors * E::kPerVec;
+  static constexpr int kStep = kVectors * E::kPer;
   const T* src;
   T* dst;
   Rule& rule;
   void Scalar(long long i) { E::StoreFirst(rule(E::Broadcast(src[i])), dst + i); }
   void Vector(long long i) {
-    for (int k = 0; k < kVectors; ++k) E::Store(rule(E::Load(src + i + k * E::kPerVec)), dst + i + k * E::kPerVec);
+    for (int k = 0; k < kVectors; ++k) E::Store(rule(E::Load(src + i + k * E::kPer)), dst + i + k * E::kPer);
   }
 };
 

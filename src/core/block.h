@@ -125,6 +125,11 @@ class Arena {
     used_ += count * static_cast<int64_t>(sizeof(T));
     return o;
   }
+  // Take in writing mode, as a pointer into the block (nullptr when counting).
+  template <class T> T* TakePtr(int64_t count, int64_t align = 64) {
+    const Off<T> o = Take<T>(count, align);
+    return base_ ? o.In(base_) : nullptr;
+  }
   int64_t Bytes() const { return used_; }
   bool Writing() const { return base_ != nullptr; }
   unsigned char* Base() const { return base_; }

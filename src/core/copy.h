@@ -12,6 +12,11 @@ namespace vsp {
 
 namespace detail {
 
+// The byte kernels below move one vector (V bytes) at a time and cover the rest with 8-, 4-, 2-
+// and 1-byte pieces, which assumes V = 16; a layer of another width gives them a sibling.
+constexpr size_t V = simd::kVecBytes;
+static_assert(V == 16, "the small-move pieces are written for 16-byte vectors");
+
 // Up to these sizes the kernels move data themselves; above them they call the C library, whose
 // wider stores win once the call has paid for itself (measured on the bench/ Copy, Move, Zero
 // and Set cases).
@@ -24,18 +29,18 @@ constexpr size_t kInlineFillBytes = 256;
 inline void MoveSmall(const Vsp8u* s, Vsp8u* d, size_t n) {
   using simd::LoadU;
   using simd::StoreU;
-  if (n > 64) {
-    auto a0 = LoadU(s), a1 = LoadU(s + 16), a2 = LoadU(s + 32), a3 = LoadU(s + 48);
-    auto b0 = LoadU(s + n - 64), b1 = LoadU(s + n - 48), b2 = LoadU(s + n - 32), b3 = LoadU(s + n - 16);
-    StoreU(a0, d), StoreU(a1, d + 16), StoreU(a2, d + 32), StoreU(a3, d + 48);
-    StoreU(b0, d + n - 64), StoreU(b1, d + n - 48), StoreU(b2, d + n - 32), StoreU(b3, d + n - 16);
-  } else if (n >= 16) {
-    if (n > 32) {
-      auto a = LoadU(s), b = LoadU(s + 16), c = LoadU(s + n - 32), e = LoadU(s + n - 16);
-      StoreU(a, d), StoreU(b, d + 16), StoreU(c, d + n - 32), StoreU(e, d + n - 16);
+  if (n > 4 * V) {
+    auto a0 = LoadU(s), a1 = LoadU(s + V), a2 = LoadU(s + 2 * V), a3 = LoadU(s + 3 * V);
+    auto b0 = LoadU(s + n - 4 * V), b1 = LoadU(s + n - 3 * V), b2 = LoadU(s + n - 2 * V), b3 = LoadU(s + n - V);
+    StoreU(a0, d), StoreU(a1, d + V), StoreU(a2, d + 2 * V), StoreU(a3, d + 3 * V);
+    StoreU(b0, d + n - 4 * V), StoreU(b1, d + n - 3 * V), StoreU(b2, d + n - 2 * V), StoreU(b3, d + n - V);
+  } else if (n >= V) {
+    if (n > 2 * V) {
+      auto a = LoadU(s), b = LoadU(s + V), c = LoadU(s + n - 2 * V), e = LoadU(s + n - V);
+      StoreU(a, d), StoreU(b, d + V), StoreU(c, d + n - 2 * V), StoreU(e, d + n - V);
     } else {
-      auto a = LoadU(s), e = LoadU(s + n - 16);
-      StoreU(a, d), StoreU(e, d + n - 16);
+      auto a = LoadU(s), e = LoadU(s + n - V);
+      StoreU(a, d), StoreU(e, d + n - V);
     }
   } else if (n >= 8) {
     Vsp64u a, e;
@@ -60,12 +65,12 @@ inline void CopyMedium(const Vsp8u* s, Vsp8u* d, size_t n) {
   using simd::LoadU;
   using simd::StoreU;
   auto copy64 = [&](size_t i) {
-    auto a0 = LoadU(s + i), a1 = LoadU(s + i + 16), a2 = LoadU(s + i + 32), a3 = LoadU(s + i + 48);
-    StoreU(a0, d + i), StoreU(a1, d + i + 16), StoreU(a2, d + i + 32), StoreU(a3, d + i + 48);
+    auto a0 = LoadU(s + i), a1 = LoadU(s + i + V), a2 = LoadU(s + i + 2 * V), a3 = LoadU(s + i + 3 * V);
+    StoreU(a0, d + i), StoreU(a1, d + i + V), StoreU(a2, d + i + 2 * V), StoreU(a3, d + i + 3 * V);
   };
   size_t i = 0;
-  for (; i + 64 < n; i += 64) copy64(i);
-  copy64(n - 64);
+  for (; i + 4 * V < n; i += 4 * V) copy64(i);
+  copy64(n - 4 * V);
 }
 
 // Stores a repeating 16-byte pattern over n bytes at d. The pattern's period (the element
@@ -73,14 +78,14 @@ inline void CopyMedium(const Vsp8u* s, Vsp8u* d, size_t n) {
 // the pattern in phase.
 inline void FillBytes(simd::Vec<Vsp8u> v, Vsp8u* d, size_t n) {
   using simd::StoreU;
-  if (n >= 16) {
+  if (n >= V) {
     size_t i = 0;
-    for (; i + 64 <= n; i += 64) StoreU(v, d + i), StoreU(v, d + i + 16), StoreU(v, d + i + 32), StoreU(v, d + i + 48);
-    for (; i + 16 <= n; i += 16) StoreU(v, d + i);
-    if (i < n) StoreU(v, d + n - 16);
+    for (; i + 4 * V <= n; i += 4 * V) StoreU(v, d + i), StoreU(v, d + i + V), StoreU(v, d + i + 2 * V), StoreU(v, d + i + 3 * V);
+    for (; i + V <= n; i += V) StoreU(v, d + i);
+    if (i < n) StoreU(v, d + n - V);
     return;
   }
-  alignas(16) Vsp8u b[16];
+  alignas(simd::kVecBytes) Vsp8u b[V];
   simd::Store(v, b);
   if (n >= 8) std::memcpy(d, b, 8), std::memcpy(d + n - 8, b, 8);
   else if (n >= 4) std::memcpy(d, b, 4), std::memcpy(d + n - 4, b, 4);

@@ -1,28 +1,31 @@
-// The loop shape of every element-wise kernel: a scalar head until the destination is 16-byte
-// aligned, a SIMD body, a scalar tail.
+// The loop shape of every element-wise kernel: a scalar head until the destination is aligned to
+// the vector width, a SIMD body, a scalar tail.
 //
 // A kernel supplies an operation object with
 //   static constexpr int kStep;   // elements per SIMD step
 //   void Scalar(long long i);     // element i
 //   void Vector(long long i);     // elements i .. i + kStep - 1; the destination at i is
-//                                 // 16-byte aligned whenever the head could align it
+//                                 // vector-aligned whenever the head could align it
 // and both must give the same bits for the same element: the split between head, body and tail
 // depends on the address only, and results may not.
 #pragma once
 
 #include <cstdint>
 
+#include "core/simd/sse3.h"
+
 namespace vsp {
 
 // Number of leading elements of a vector at p to process one by one so that the rest starts at
-// a 16-byte boundary; 0 when the address can never reach one by whole elements (the body then
+// a vector boundary (simd::kVecBytes); 0 when the address can never reach one by whole elements (the body then
 // stores unaligned), at most n.
 template <class T>
 inline long long AlignHead(const T* p, long long n) {
   constexpr uintptr_t kSize = sizeof(T);
-  uintptr_t mis = reinterpret_cast<uintptr_t>(p) & 15;
-  if (mis == 0 || mis % kSize != 0 || kSize >= 16) return 0;
-  long long head = static_cast<long long>((16 - mis) / kSize);
+  constexpr uintptr_t kVec = simd::kVecBytes;
+  uintptr_t mis = reinterpret_cast<uintptr_t>(p) % kVec;
+  if (mis == 0 || mis % kSize != 0 || kSize >= kVec) return 0;
+  long long head = static_cast<long long>((kVec - mis) / kSize);
   return head < n ? head : n;
 }
 

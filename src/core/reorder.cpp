@@ -59,7 +59,9 @@ constexpr Swap24Masks MakeSwap24Masks() {
     for (int b = 0; b < 16; ++b) m.bytes[(16 * v + b) % 3][v][b] = 0xFF;
   return m;
 }
-alignas(16) constexpr Swap24Masks kSwap24 = MakeSwap24Masks();
+// The 24-bit swap shuffles three 16-byte vectors (sixteen samples) per step.
+static_assert(hw::kVecBytes == 16, "the 24-bit swap masks are written for 16-byte vectors");
+alignas(hw::kVecBytes) constexpr Swap24Masks kSwap24 = MakeSwap24Masks();
 
 inline void Swap24Scalar(const Vsp8u* s, Vsp8u* d) {
   Vsp8u b0 = s[0], b1 = s[1], b2 = s[2];

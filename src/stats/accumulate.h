@@ -28,13 +28,13 @@ using F64 = hw::Vec<Vsp64f>;
 // (re, im); one step as eight base values in four two-lane vectors, in memory order. With kDiff
 // the values are p[j] - q[j], taken in the source precision before widening.
 template <class T, bool kDiff = false>
-struct Widen {
+struct AsDoubles {
   using B = BaseOf<T>;
   static constexpr int kWidth = kIsComplex<T> ? 2 : 1;
   static constexpr int kStep = 8 / kWidth;  // elements per step
   const B* p;
   const B* q;
-  explicit Widen(const T* a, const T* b = nullptr)
+  explicit AsDoubles(const T* a, const T* b = nullptr)
       : p(reinterpret_cast<const B*>(a)), q(reinterpret_cast<const B*>(b)) {}
 
   hw::Vec<B> Base(const B* at) const {
@@ -90,6 +90,9 @@ struct Accumulators {
 };
 template <int kSums> using DoubleLanes = Accumulators<Vsp64f, kSums>;
 template <int kSums, int kAcc = 4> using FloatLanes = Accumulators<Vsp32f, kSums, kAcc>;
+// The fast float sums and dot products keep sixteen float lanes (four accumulators of four); the
+// lane a value lands in is part of their results, so the count is the same on every target.
+inline constexpr int kSumLanes = 16;
 
 // A real or complex double result.
 struct Pair {

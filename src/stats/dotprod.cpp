@@ -28,7 +28,7 @@ enum class Shape { kR, kC, kM };
 template <Shape kShape>
 struct FloatDotOp {
   static constexpr int kSums = kShape == Shape::kC ? 2 : 1;
-  static constexpr int kStep = kShape == Shape::kR ? 16 : 8;  // elements
+  static constexpr int kStep = kShape == Shape::kR ? kSumLanes : kSumLanes / 2;  // elements
   static constexpr int kWidth = kShape == Shape::kC ? 2 : 1;  // floats per element of pSrc1
   const Vsp32f* a;
   const Vsp32f* b;
@@ -99,8 +99,8 @@ constexpr long long kDotBlock = 4096;
 template <class T, Shape kShape>
 struct DoubleDotOp {
   static constexpr int kSums = kShape == Shape::kC ? 2 : 1;
-  static constexpr int kStep = Widen<T>::kStep;
-  Widen<T> x, y;
+  static constexpr int kStep = AsDoubles<T>::kStep;
+  AsDoubles<T> x, y;
   const Vsp64f* real = nullptr;  // kM: the real operand
   DoubleLanes<kSums> acc;
 
@@ -168,7 +168,7 @@ struct IntDotOp {
       // (ar, 0) . (br, bi) - (0, ai) . (br, bi): exact in 32 bits.
       hw::Vec<Vsp32s> r = hw::Sub(hw::MulAddPairs(hw::And(reOnly, x), y), hw::MulAddPairs(hw::AndNot(reOnly, x), y));
       re = hw::Add(re, hw::WidenAddHalves(r));
-      Accumulate(im, hw::MulAddPairs(x, hw::SwapPairs16(y)));
+      Accumulate(im, hw::MulAddPairs(x, hw::SwapPairs(y)));
     } else {
       Accumulate(re, hw::MulAddPairs(x, y));
     }
@@ -228,11 +228,11 @@ VspStatus DotDouble(const A* pSrc1, const B* pSrc2, int len, R* pDp) {
   if (VspStatus st = CheckVec(len, pSrc1, pSrc2, pDp)) return st;
   Pair r;
   if constexpr (kShape == Shape::kM) {
-    DoubleDotOp<B, kShape> op{Widen<B>(pSrc2), Widen<B>(pSrc2), pSrc1};
+    DoubleDotOp<B, kShape> op{AsDoubles<B>(pSrc2), AsDoubles<B>(pSrc2), pSrc1};
     ForEachAligned(pSrc2, len, op);
     r = op.Result();
   } else {
-    DoubleDotOp<A, kShape> op{Widen<A>(pSrc1), Widen<A>(pSrc2)};
+    DoubleDotOp<A, kShape> op{AsDoubles<A>(pSrc1), AsDoubles<A>(pSrc2)};
     ForEachAligned(pSrc1, len, op);
     r = op.Result();
   }

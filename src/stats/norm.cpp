@@ -53,8 +53,8 @@ struct InfNormOp {
 template <class T, bool kDiff, NormKind kKind>
 struct DoubleNormOp {
   static constexpr bool kComplex = kIsComplex<T>;
-  static constexpr int kStep = Widen<T, kDiff>::kStep;
-  Widen<T, kDiff> src;
+  static constexpr int kStep = AsDoubles<T, kDiff>::kStep;
+  AsDoubles<T, kDiff> src;
   DoubleLanes<1> acc;
   F64 nan = hw::Zero<Vsp64f>();
 
@@ -152,7 +152,7 @@ Vsp64f ownsNormFloat(const T* p, const T* q, long long n) {
     Blocked(p, n, kNormBlock, op);
     return kKind == NormKind::kL2 ? std::sqrt(op.total) : op.total;
   } else {
-    DoubleNormOp<T, kDiff, kKind> op{Widen<T, kDiff>(p, q)};
+    DoubleNormOp<T, kDiff, kKind> op{AsDoubles<T, kDiff>(p, q)};
     ForEachAligned(p, n, op);
     return op.Result();
   }

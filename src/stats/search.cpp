@@ -157,7 +157,7 @@ struct NormalizeOp {
   NormalizeOp(const B* src, B* dst, const B* subtrahend, B divisor) : s(src), d(dst), div(divisor) {
     for (int k = 0; k < kW; ++k) sub[k] = subtrahend[k];
     for (int phase = 0; phase < kW; ++phase) {
-      alignas(16) B lanes[hw::kLanes<B>];
+      alignas(hw::kVecBytes) B lanes[hw::kLanes<B>];
       for (int l = 0; l < hw::kLanes<B>; ++l) lanes[l] = sub[(phase + l) % kW];
       subv[phase] = hw::Load(lanes);
     }

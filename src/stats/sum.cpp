@@ -18,8 +18,8 @@ using namespace vsp::stats;
 template <class T, bool kSquares = false>
 struct DoubleSumOp {
   static constexpr int kAcc = std::is_same_v<BaseOf<T>, Vsp64f> && !kSquares ? 8 : 4;
-  static constexpr int kStep = Widen<T>::kStep * kAcc / 4;
-  Widen<T> src;
+  static constexpr int kStep = AsDoubles<T>::kStep * kAcc / 4;
+  AsDoubles<T> src;
   Vsp64f shift = 0;
   Accumulators<Vsp64f, kSquares ? 2 : 1, kAcc> acc;
   void Scalar(long long i) {
@@ -33,7 +33,7 @@ struct DoubleSumOp {
   void Vector(long long i) {
     for (int h = 0; h < kAcc / 4; ++h) {
       F64 v[4];
-      src.Step(i + h * Widen<T>::kStep, v);
+      src.Step(i + h * AsDoubles<T>::kStep, v);
       for (int k = 0; k < 4; ++k) {
         if constexpr (kSquares) {
           v[k] = hw::Sub(v[k], hw::Set1(shift));
@@ -49,7 +49,7 @@ struct DoubleSumOp {
 
 template <class T>
 Pair ownsSumDouble(const T* p, long long n) {
-  DoubleSumOp<T> op{Widen<T>(p)};
+  DoubleSumOp<T> op{AsDoubles<T>(p)};
   ForEachAligned(p, n, op);
   return op.Result(0);
 }
@@ -61,7 +61,7 @@ Pair ownsSumDouble(const T* p, long long n) {
 template <class T, bool kSquares = false>
 struct FloatBlockSumOp {
   static constexpr int kWidth = kIsComplex<T> ? 2 : 1;
-  static constexpr int kStep = 16 / kWidth;
+  static constexpr int kStep = kSumLanes / kWidth;
   const Vsp32f* p;
   Vsp32f shift = 0;
   FloatLanes<kSquares ? 2 : 1> acc{};
@@ -131,7 +131,7 @@ struct Moments {
 };
 template <class T>
 Moments ownsMomentsDouble(const T* p, long long n) {
-  DoubleSumOp<T, true> op{Widen<T>(p), static_cast<Vsp64f>(p[0])};
+  DoubleSumOp<T, true> op{AsDoubles<T>(p), static_cast<Vsp64f>(p[0])};
   ForEachAligned(p, n, op);
   return {op.Result(0).re, op.Result(1).re, op.shift};
 }

@@ -33,25 +33,17 @@ VspStatus GetSize(bool real, int order, int flag, int* pSpecSize, int* pInitSize
 }
 
 // Hands out 64-byte aligned pieces of the spec block behind the header.
-struct Bump {
-  unsigned char* base;
-  long long pos;
-  template <class U> U* Take(long long count) {
-    pos = (pos + 63) & ~63LL;
-    U* p = reinterpret_cast<U*>(base + pos);
-    pos += count * static_cast<long long>(sizeof(U));
-    return p;
-  }
-};
+// The tables are laid behind the header by the block kit's arena, each at a 64-byte boundary.
+using Bump = block::Arena;
 
 // The tables of a complex transform of order c (>= 6) into the spec; returns the work bytes.
 template <class T> long long BuildComplex(SpecHeader<T>* h, Bump& bump, int c, SineSource<T> src) {
   using P = Prec<T>;
-  uint32_t* rev = bump.Take<uint32_t>(RevTableWords(c));
+  uint32_t* rev = bump.TakePtr<uint32_t>(RevTableWords(c));
   ownsFFTFillRev(rev, c);
   h->bitRev = rev;
   if (c <= P::kSingleMax) {
-    T* tw = bump.Take<T>(2 * StockhamTwiddles(c));
+    T* tw = bump.TakePtr<T>(2 * StockhamTwiddles(c));
     ownsFFTFillStockham(tw, c, src);
     h->twiddle = tw;
     return Round64(P::kPair * (1LL << c) + 63);
@@ -63,23 +55,23 @@ template <class T> long long BuildComplex(SpecHeader<T>* h, Bump& bump, int c, S
     lv.order = kk;
     lv.block = b;
     const long long stride = FactorRowStride<T>(n2);
-    T* a = bump.Take<T>(2 * ((1LL << bl) - 1) * stride);
-    lv.offA = static_cast<int32_t>(reinterpret_cast<unsigned char*>(a) - bump.base);
+    T* a = bump.TakePtr<T>(2 * ((1LL << bl) - 1) * stride);
+    lv.offA = static_cast<int32_t>(reinterpret_cast<unsigned char*>(a) - bump.Base());
     for (long long i = 1; i < (1LL << bl); ++i, a += 2 * stride)
-      for (long long k2 = 0; k2 < n2; ++k2) src.Twiddle(i * k2, n, a[BlockRe<T>(k2)], a[BlockRe<T>(k2) + sd::kLanes<T>]);
-    T* bt = bump.Take<T>(2 * ((1LL << bh) - 1) * stride);
-    lv.offB = static_cast<int32_t>(reinterpret_cast<unsigned char*>(bt) - bump.base);
+      for (long long k2 = 0; k2 < n2; ++k2) src.Twiddle(i * k2, n, a[BlockRe<T>(k2)], a[BlockRe<T>(k2) + hw::kLanes<T>]);
+    T* bt = bump.TakePtr<T>(2 * ((1LL << bh) - 1) * stride);
+    lv.offB = static_cast<int32_t>(reinterpret_cast<unsigned char*>(bt) - bump.Base());
     for (long long i = 1; i < (1LL << bh); ++i, bt += 2 * stride)
-      for (long long k2 = 0; k2 < n2; ++k2) src.Twiddle((i << bl) * k2, n, bt[BlockRe<T>(k2)], bt[BlockRe<T>(k2) + sd::kLanes<T>]);
-    T* sm = bump.Take<T>(1LL << b);
-    lv.offSmall = static_cast<int32_t>(reinterpret_cast<unsigned char*>(sm) - bump.base);
+      for (long long k2 = 0; k2 < n2; ++k2) src.Twiddle((i << bl) * k2, n, bt[BlockRe<T>(k2)], bt[BlockRe<T>(k2) + hw::kLanes<T>]);
+    T* sm = bump.TakePtr<T>(1LL << b);
+    lv.offSmall = static_cast<int32_t>(reinterpret_cast<unsigned char*>(sm) - bump.Base());
     for (long long j = 0; j < (1LL << (b - 1)); ++j) src.Twiddle(j, 1LL << b, sm[2 * j], sm[2 * j + 1]);
     h->levels = li + 1;
-    uint32_t* rr = bump.Take<uint32_t>(RevTableWords(r));
+    uint32_t* rr = bump.TakePtr<uint32_t>(RevTableWords(r));
     ownsFFTFillRev(rr, r);
-    lv.offRowRev = static_cast<int32_t>(reinterpret_cast<unsigned char*>(rr) - bump.base);
+    lv.offRowRev = static_cast<int32_t>(reinterpret_cast<unsigned char*>(rr) - bump.Base());
     if (r <= P::kSingleMax) {
-      T* tw = bump.Take<T>(2 * StockhamTwiddles(r));
+      T* tw = bump.TakePtr<T>(2 * StockhamTwiddles(r));
       ownsFFTFillStockham(tw, r, src);
       h->twiddle = tw;
       break;
@@ -95,7 +87,7 @@ template <class T> void BuildRecombination(SpecHeader<T>* h, Bump& bump, int k, 
   const bool factored = k >= P::kRealFactorFrom;
   const long long first = factored ? P::kRecFactor : n4, second = factored ? n4 / P::kRecFactor : 0;
   for (int dir = 0; dir < 2; ++dir) {
-    T* t = bump.Take<T>(2 * (first + second));
+    T* t = bump.TakePtr<T>(2 * (first + second));
     (dir == 0 ? h->recFwd : h->recInv) = t;
     ownsFFTFillRec(t, first, n, dir == 1, src);
     for (long long j = 0; j < second; ++j) {
@@ -141,7 +133,7 @@ VspStatus Init(uint32_t id, bool real, void** ppSpec, int order, int flag, int h
     ownsFFTBuildSine(sine, order);
     src = {sine, order};
   }
-  Bump bump{base, kHeaderBytes};
+  Bump bump(base, kHeaderBytes);
   const int c = real ? order - 1 : order;
   if (c >= 6) h->workBytes = static_cast<int32_t>(BuildComplex(h, bump, c, src));
   if (real && order > P::kRealDirectMax) BuildRecombination(h, bump, order, src);
@@ -199,32 +191,32 @@ VspStatus CToC(uint32_t id, const T* src, T* dst, const void* spec, Vsp8u* buf) 
 // Split form: the two destination arrays serve as the interleaved array, in halves.
 // p[2i] = a[i], p[2i + 1] = b[i] for i < n, and the reverse.
 template <class T> void ownsFFTInterleave(const T* a, const T* b, T* p, long long n) {
-  constexpr int kL = sd::kLanes<T>;
+  constexpr int kL = hw::kLanes<T>;
   long long i = 0;
   for (; i + kL <= n; i += kL) {
-    const sd::Vec<T> x = sd::LoadU(a + i), y = sd::LoadU(b + i);
-    sd::StoreU(sd::InterleaveLo(x, y), p + 2 * i);
-    sd::StoreU(sd::InterleaveHi(x, y), p + 2 * i + kL);
+    const hw::Vec<T> x = hw::LoadU(a + i), y = hw::LoadU(b + i);
+    hw::StoreU(hw::InterleaveLo(x, y), p + 2 * i);
+    hw::StoreU(hw::InterleaveHi(x, y), p + 2 * i + kL);
   }
   for (; i < n; ++i) p[2 * i] = a[i], p[2 * i + 1] = b[i];
 }
 template <class T> void ownsFFTDeinterleave(const T* p, T* a, T* b, long long n) {
-  constexpr int kL = sd::kLanes<T>;
+  constexpr int kL = hw::kLanes<T>;
   long long i = 0;
   for (; i + kL <= n; i += kL) {
-    const sd::Vec<T> x = sd::LoadU(p + 2 * i), y = sd::LoadU(p + 2 * i + kL);
-    sd::StoreU(sd::RealParts(x, y), a + i);
-    sd::StoreU(sd::ImagParts(x, y), b + i);
+    const hw::Vec<T> x = hw::LoadU(p + 2 * i), y = hw::LoadU(p + 2 * i + kL);
+    hw::StoreU(hw::RealParts(x, y), a + i);
+    hw::StoreU(hw::ImagParts(x, y), b + i);
   }
   for (; i < n; ++i) a[i] = p[2 * i], b[i] = p[2 * i + 1];
 }
 template <class T> void SwapRanges(T* a, T* b, long long n) {
-  constexpr int kL = sd::kLanes<T>;
+  constexpr int kL = hw::kLanes<T>;
   long long i = 0;
   for (; i + kL <= n; i += kL) {
-    const sd::Vec<T> x = sd::LoadU(a + i), y = sd::LoadU(b + i);
-    sd::StoreU(y, a + i);
-    sd::StoreU(x, b + i);
+    const hw::Vec<T> x = hw::LoadU(a + i), y = hw::LoadU(b + i);
+    hw::StoreU(y, a + i);
+    hw::StoreU(x, b + i);
   }
   for (; i < n; ++i) {
     const T t = a[i];
@@ -261,7 +253,7 @@ VspStatus Split(uint32_t id, const T* srcRe, const T* srcIm, T* dstRe, T* dstIm,
   const long long n = 1LL << c;
   const bool scaled = Scaled(h, kInv);
   if (c <= 5) {
-    alignas(16) T tmp[64];
+    alignas(hw::kVecBytes) T tmp[64];
     ownsFFTInterleave(srcRe, srcIm, tmp, n);
     ownsFFTDirect<T, kInv>(c, Whole(tmp, n), Whole(tmp, n), scaled, h->scale);
     ownsFFTDeinterleave(tmp, dstRe, dstIm, n);

@@ -25,7 +25,7 @@
 
 namespace vsp::fft {
 
-namespace sd = vsp::simd;
+namespace hw = vsp::simd;
 
 // Inlined into their callers, so that the direct kernels see every length and stride as a
 // constant and unroll completely.
@@ -46,23 +46,23 @@ template <class T> Halves<T> Whole(T* p, long long n) { return {p, p + 2 * (n / 
 
 template <bool kInv, class V>
 VSP_FFT_INLINE void Bfly4(V a, V b, V c, V d, V& y0, V& y1, V& y2, V& y3) {
-  V t0 = sd::Add(a, c), t1 = sd::Sub(a, c), t2 = sd::Add(b, d), t3 = sd::MulRot<kInv>(sd::Sub(b, d));
-  y0 = sd::Add(t0, t2);
-  y1 = sd::Add(t1, t3);
-  y2 = sd::Sub(t0, t2);
-  y3 = sd::Sub(t1, t3);
+  V t0 = hw::Add(a, c), t1 = hw::Sub(a, c), t2 = hw::Add(b, d), t3 = hw::MulRot<kInv>(hw::Sub(b, d));
+  y0 = hw::Add(t0, t2);
+  y1 = hw::Add(t1, t3);
+  y2 = hw::Sub(t0, t2);
+  y3 = hw::Sub(t1, t3);
 }
 
 // 8-point DFT of x[0..7] in place (outputs in natural order).
 template <bool kInv, class T>
-VSP_FFT_INLINE void Bfly8(sd::Vec<T>* x) {
-  const sd::Vec<T> h = sd::Set1<T>(static_cast<T>(0.70710678118654752440L));
-  sd::Vec<T> a[4], b[4];
-  for (int j = 0; j < 4; ++j) a[j] = sd::Add(x[j], x[j + 4]), b[j] = sd::Sub(x[j], x[j + 4]);
+VSP_FFT_INLINE void Bfly8(hw::Vec<T>* x) {
+  const hw::Vec<T> h = hw::Set1<T>(static_cast<T>(0.70710678118654752440L));
+  hw::Vec<T> a[4], b[4];
+  for (int j = 0; j < 4; ++j) a[j] = hw::Add(x[j], x[j + 4]), b[j] = hw::Sub(x[j], x[j + 4]);
   // b[j] *= W8^j: W8 z = (z + rot z) * sqrt(1/2), W8^2 z = rot z, W8^3 z = rot(W8 z).
-  b[1] = sd::Mul(sd::Add(b[1], sd::MulRot<kInv>(b[1])), h);
-  b[2] = sd::MulRot<kInv>(b[2]);
-  b[3] = sd::MulRot<kInv>(sd::Mul(sd::Add(b[3], sd::MulRot<kInv>(b[3])), h));
+  b[1] = hw::Mul(hw::Add(b[1], hw::MulRot<kInv>(b[1])), h);
+  b[2] = hw::MulRot<kInv>(b[2]);
+  b[3] = hw::MulRot<kInv>(hw::Mul(hw::Add(b[3], hw::MulRot<kInv>(b[3])), h));
   Bfly4<kInv>(a[0], a[1], a[2], a[3], x[0], x[2], x[4], x[6]);
   Bfly4<kInv>(b[0], b[1], b[2], b[3], x[1], x[3], x[5], x[7]);
 }
@@ -78,23 +78,23 @@ VSP_FFT_INLINE void Bfly8(sd::Vec<T>* x) {
 // Offset of the real part of complex value i in an array of blocks (its imaginary part follows
 // L values later).
 template <class T> constexpr long long BlockRe(long long i) {
-  return 2 * (i - i % sd::kLanes<T>) + i % sd::kLanes<T>;
+  return 2 * (i - i % hw::kLanes<T>) + i % hw::kLanes<T>;
 }
 
 template <class T> struct CV {
-  sd::Vec<T> re, im;
+  hw::Vec<T> re, im;
 };
-template <class T> VSP_FFT_INLINE CV<T> CAdd(CV<T> a, CV<T> b) { return {sd::Add(a.re, b.re), sd::Add(a.im, b.im)}; }
-template <class T> VSP_FFT_INLINE CV<T> CSub(CV<T> a, CV<T> b) { return {sd::Sub(a.re, b.re), sd::Sub(a.im, b.im)}; }
+template <class T> VSP_FFT_INLINE CV<T> CAdd(CV<T> a, CV<T> b) { return {hw::Add(a.re, b.re), hw::Add(a.im, b.im)}; }
+template <class T> VSP_FFT_INLINE CV<T> CSub(CV<T> a, CV<T> b) { return {hw::Sub(a.re, b.re), hw::Sub(a.im, b.im)}; }
 // a * w (kConj: a * conj w), each product rounded, then one addition.
-template <bool kConj, class T> VSP_FFT_INLINE CV<T> CMul(CV<T> a, sd::Vec<T> wr, sd::Vec<T> wi) {
-  if constexpr (kConj) return {sd::Add(sd::Mul(a.re, wr), sd::Mul(a.im, wi)), sd::Sub(sd::Mul(a.im, wr), sd::Mul(a.re, wi))};
-  else return {sd::Sub(sd::Mul(a.re, wr), sd::Mul(a.im, wi)), sd::Add(sd::Mul(a.re, wi), sd::Mul(a.im, wr))};
+template <bool kConj, class T> VSP_FFT_INLINE CV<T> CMul(CV<T> a, hw::Vec<T> wr, hw::Vec<T> wi) {
+  if constexpr (kConj) return {hw::Add(hw::Mul(a.re, wr), hw::Mul(a.im, wi)), hw::Sub(hw::Mul(a.im, wr), hw::Mul(a.re, wi))};
+  else return {hw::Sub(hw::Mul(a.re, wr), hw::Mul(a.im, wi)), hw::Add(hw::Mul(a.re, wi), hw::Mul(a.im, wr))};
 }
 // a * (-i) forward, a * i inverse.
 template <bool kInv, class T> VSP_FFT_INLINE CV<T> CRot(CV<T> a) {
-  if constexpr (kInv) return {sd::Neg(a.im), a.re};
-  else return {a.im, sd::Neg(a.re)};
+  if constexpr (kInv) return {hw::Neg(a.im), a.re};
+  else return {a.im, hw::Neg(a.re)};
 }
 template <bool kInv, class T>
 VSP_FFT_INLINE void BlockBfly4(CV<T> a, CV<T> b, CV<T> c, CV<T> d, CV<T>& y0, CV<T>& y1, CV<T>& y2, CV<T>& y3) {
@@ -103,11 +103,11 @@ VSP_FFT_INLINE void BlockBfly4(CV<T> a, CV<T> b, CV<T> c, CV<T> d, CV<T>& y0, CV
   y2 = CSub(t0, t2);
   // t1 + rot(u) and t1 - rot(u), the quarter-turn folded into the additions.
   if constexpr (kInv) {
-    y1 = {sd::Sub(t1.re, u.im), sd::Add(t1.im, u.re)};
-    y3 = {sd::Add(t1.re, u.im), sd::Sub(t1.im, u.re)};
+    y1 = {hw::Sub(t1.re, u.im), hw::Add(t1.im, u.re)};
+    y3 = {hw::Add(t1.re, u.im), hw::Sub(t1.im, u.re)};
   } else {
-    y1 = {sd::Add(t1.re, u.im), sd::Sub(t1.im, u.re)};
-    y3 = {sd::Sub(t1.re, u.im), sd::Add(t1.im, u.re)};
+    y1 = {hw::Add(t1.re, u.im), hw::Sub(t1.im, u.re)};
+    y3 = {hw::Sub(t1.re, u.im), hw::Add(t1.im, u.re)};
   }
 }
 // The R-point DFT of the twiddled passes, which are radix 4 (see PassLog).
@@ -115,24 +115,24 @@ template <bool kInv, int kR, class T> VSP_FFT_INLINE void BlockDft(CV<T>* v) {
   static_assert(kR == 4);
   BlockBfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
 }
-template <class T> VSP_FFT_INLINE CV<T> LoadBlock(const T* p) { return {sd::LoadU(p), sd::LoadU(p + sd::kLanes<T>)}; }
+template <class T> VSP_FFT_INLINE CV<T> LoadBlock(const T* p) { return {hw::LoadU(p), hw::LoadU(p + hw::kLanes<T>)}; }
 template <class T> VSP_FFT_INLINE void StoreBlock(CV<T> v, T* p) {
-  sd::StoreU(v.re, p);
-  sd::StoreU(v.im, p + sd::kLanes<T>);
+  hw::StoreU(v.re, p);
+  hw::StoreU(v.im, p + hw::kLanes<T>);
 }
 // kLanes interleaved values at p as a block. Doubles take the two parts from overlapping loads
 // merged with a half load, which uses no shuffle unit.
 template <class T> VSP_FFT_INLINE CV<T> LoadInterleaved(const T* p) {
-  if constexpr (sd::kPairs<T> == 1) {
-    return {sd::LoadLow(sd::LoadU(p + 1), p), sd::LoadLow(sd::LoadU(p + 2), p + 1)};
+  if constexpr (hw::kPairs<T> == 1) {
+    return {hw::InsertLow(hw::LoadU(p + 1), p), hw::InsertLow(hw::LoadU(p + 2), p + 1)};
   } else {
-    const sd::Vec<T> a = sd::LoadU(p), b = sd::LoadU(p + sd::kLanes<T>);
-    return {sd::RealParts(a, b), sd::ImagParts(a, b)};
+    const hw::Vec<T> a = hw::LoadU(p), b = hw::LoadU(p + hw::kLanes<T>);
+    return {hw::RealParts(a, b), hw::ImagParts(a, b)};
   }
 }
 template <class T> VSP_FFT_INLINE void StoreInterleaved(CV<T> v, T* p) {
-  sd::StoreU(sd::InterleaveLo(v.re, v.im), p);
-  sd::StoreU(sd::InterleaveHi(v.re, v.im), p + sd::kLanes<T>);
+  hw::StoreU(hw::InterleaveLo(v.re, v.im), p);
+  hw::StoreU(hw::InterleaveHi(v.re, v.im), p + hw::kLanes<T>);
 }
 
 // The first pass (stride 1) from interleaved input to blocks, over L groups p at a time. Its
@@ -173,7 +173,7 @@ constexpr long long StockhamTwiddles(int order) { return (1LL << order) - (1LL <
 // Fills the table: for each pass after the first, for each block of kLanes values of k, for
 // j = 1 .. R-1, the block of W_L^(jk).
 template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSource<T> src) {
-  constexpr int kL = sd::kLanes<T>;
+  constexpr int kL = hw::kLanes<T>;
   long long ls = 1LL << PassLog(order, 0);
   for (int i = 1; i < PassCount(order); ls <<= PassLog(order, i), ++i) {
     const long long radix = 1LL << PassLog(order, i), len = radix * ls;
@@ -185,11 +185,11 @@ template <class T> constexpr void ownsFFTFillStockham(T* dst, int order, SineSou
 
 // Four vectors of two complex floats each, w[r] = (z_r, z'_r), as the blocks (z_0..z_3) and
 // (z'_0..z'_3): a 4 x 4 transposition.
-template <class T> VSP_FFT_INLINE void PairsToBlocks(const sd::Vec<T>* w, CV<T>& lo, CV<T>& hi) {
-  const sd::Vec<T> lo01 = sd::PairsLo(w[0], w[1]), lo23 = sd::PairsLo(w[2], w[3]);
-  const sd::Vec<T> hi01 = sd::PairsHi(w[0], w[1]), hi23 = sd::PairsHi(w[2], w[3]);
-  lo = {sd::RealParts(lo01, lo23), sd::ImagParts(lo01, lo23)};
-  hi = {sd::RealParts(hi01, hi23), sd::ImagParts(hi01, hi23)};
+template <class T> VSP_FFT_INLINE void PairsToBlocks(const hw::Vec<T>* w, CV<T>& lo, CV<T>& hi) {
+  const hw::Vec<T> lo01 = hw::PairsLo(w[0], w[1]), lo23 = hw::PairsLo(w[2], w[3]);
+  const hw::Vec<T> hi01 = hw::PairsHi(w[0], w[1]), hi23 = hw::PairsHi(w[2], w[3]);
+  lo = {hw::RealParts(lo01, lo23), hw::ImagParts(lo01, lo23)};
+  hi = {hw::RealParts(hi01, hi23), hw::ImagParts(hi01, hi23)};
 }
 
 // The first pass: inputs x[i + j N/R] (interleaved; j < R/2 in the low half), outputs, in blocks,
@@ -197,18 +197,18 @@ template <class T> VSP_FFT_INLINE void PairsToBlocks(const sd::Vec<T>* w, CV<T>&
 // and one transposition of each kLanes outputs of an i makes a block; no deinterleave is needed.
 template <class T, bool kInv, int kR>
 VSP_FFT_INLINE void FirstPassBody(Halves<T> x, Halves<T> y, long long n) {
-  constexpr int kL = sd::kLanes<T>, kP = sd::kPairs<T>, kH = kR / 2;
+  constexpr int kL = hw::kLanes<T>, kP = hw::kPairs<T>, kH = kR / 2;
   const long long m = n / kR;
   // kP lanes (kR kP outputs) at a time: at i + kP p and, when the loop covers both halves of the
   // output (m / 2 >= kLanes), at the same place of the high half.
   auto group = [&](long long i, int p, T* yb) {
-    sd::Vec<T> v[kR];
+    hw::Vec<T> v[kR];
     for (int j = 0; j < kH; ++j)
-      v[j] = sd::LoadU(x.lo + 2 * (i + kP * p + j * m)), v[j + kH] = sd::LoadU(x.hi + 2 * (i + kP * p + j * m));
+      v[j] = hw::LoadU(x.lo + 2 * (i + kP * p + j * m)), v[j + kH] = hw::LoadU(x.hi + 2 * (i + kP * p + j * m));
     if constexpr (kR == 4) Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
     else Bfly8<kInv, T>(v);
     for (int c = 0; c < kR / kL; ++c) {
-      const sd::Vec<T>* w = v + kL * c;
+      const hw::Vec<T>* w = v + kL * c;
       T* d = yb + 2 * kL * c;
       if constexpr (kP == 2) {
         CV<T> lo, hi;
@@ -216,7 +216,7 @@ VSP_FFT_INLINE void FirstPassBody(Halves<T> x, Halves<T> y, long long n) {
         StoreBlock(lo, d);
         StoreBlock(hi, d + 2 * kR);
       } else {
-        StoreBlock(CV<T>{sd::InterleaveLo(w[0], w[1]), sd::InterleaveHi(w[0], w[1])}, d);
+        StoreBlock(CV<T>{hw::InterleaveLo(w[0], w[1]), hw::InterleaveHi(w[0], w[1])}, d);
       }
     }
   };
@@ -242,8 +242,8 @@ VSP_FFT_INLINE void FirstPassBody(Halves<T> x, Halves<T> y, long long n) {
 // 16 b + k + 4 r. The same operations as the two passes in turn, so the same bits.
 template <class T, bool kInv>
 VSP_FFT_INLINE void FirstPass16Body(Halves<T> x, Halves<T> y, long long n, const T* tw) {
-  static_assert(sd::kPairs<T> == 2 && sd::kLanes<T> == 4);
-  constexpr int kL = sd::kLanes<T>;
+  static_assert(hw::kPairs<T> == 2 && hw::kLanes<T> == 4);
+  constexpr int kL = hw::kLanes<T>;
   const long long m = n / 4, q = n / 16;
   for (int half = 0; half < 2; ++half) {
     T* yb = half ? y.hi : y.lo;
@@ -251,15 +251,15 @@ VSP_FFT_INLINE void FirstPass16Body(Halves<T> x, Halves<T> y, long long n, const
       CV<T> a[4], c[4];  // the blocks of b and of b + 1, for j = 0..3
       for (int j = 0; j < 4; ++j) {
         const long long i = b + j * q;
-        sd::Vec<T> v0 = sd::LoadU(x.lo + 2 * i), v1 = sd::LoadU(x.lo + 2 * (i + m));
-        sd::Vec<T> v2 = sd::LoadU(x.hi + 2 * i), v3 = sd::LoadU(x.hi + 2 * (i + m));
+        hw::Vec<T> v0 = hw::LoadU(x.lo + 2 * i), v1 = hw::LoadU(x.lo + 2 * (i + m));
+        hw::Vec<T> v2 = hw::LoadU(x.hi + 2 * i), v3 = hw::LoadU(x.hi + 2 * (i + m));
         Bfly4<kInv>(v0, v1, v2, v3, v0, v1, v2, v3);
-        const sd::Vec<T> w[4] = {v0, v1, v2, v3};
+        const hw::Vec<T> w[4] = {v0, v1, v2, v3};
         PairsToBlocks(w, a[j], c[j]);
       }
       for (int p = 0; p < 2; ++p) {
         CV<T>* u = p ? c : a;
-        for (int j = 1; j < 4; ++j) u[j] = CMul<kInv>(u[j], sd::Load(tw + 2 * kL * (j - 1)), sd::Load(tw + 2 * kL * (j - 1) + kL));
+        for (int j = 1; j < 4; ++j) u[j] = CMul<kInv>(u[j], hw::Load(tw + 2 * kL * (j - 1)), hw::Load(tw + 2 * kL * (j - 1) + kL));
         BlockBfly4<kInv>(u[0], u[1], u[2], u[3], u[0], u[1], u[2], u[3]);
         for (int r = 0; r < 4; ++r) StoreBlock(u[r], yb + 2 * (16 * p + 4 * r));
       }
@@ -271,13 +271,13 @@ VSP_FFT_INLINE void FirstPass16Body(Halves<T> x, Halves<T> y, long long n, const
 // multiplied by its twiddle block (tw: R - 1 blocks of re, im).
 template <class T, bool kInv, int kR>
 VSP_FFT_INLINE void LoadTwiddled(CV<T>* v, const T* xl, const T* xh, long long is, const T* tw) {
-  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  constexpr int kL = hw::kLanes<T>, kH = kR / 2;
   v[0] = LoadBlock(xl);
-  v[0] = {sd::Pin(v[0].re), sd::Pin(v[0].im)};
+  v[0] = {hw::Pin(v[0].re), hw::Pin(v[0].im)};
   for (int j = 1; j < kR; ++j) {
     CV<T> a = LoadBlock(j < kH ? xl + j * is : xh + (j - kH) * is);
-    a = {sd::Pin(a.re), sd::Pin(a.im)};
-    v[j] = CMul<kInv>(a, sd::Load(tw + 2 * kL * (j - 1)), sd::Load(tw + 2 * kL * (j - 1) + kL));
+    a = {hw::Pin(a.re), hw::Pin(a.im)};
+    v[j] = CMul<kInv>(a, hw::Load(tw + 2 * kL * (j - 1)), hw::Load(tw + 2 * kL * (j - 1) + kL));
   }
 }
 
@@ -285,7 +285,7 @@ VSP_FFT_INLINE void LoadTwiddled(CV<T>* v, const T* xl, const T* xh, long long i
 // so that the few steps over k of a short ls unroll.
 template <class T, bool kInv, int kR, long long kLs = 0>
 VSP_FFT_INLINE void MidPassBody(Halves<T> x, Halves<T> y, long long n, long long lsRun, const T* tw) {
-  constexpr int kL = sd::kLanes<T>;
+  constexpr int kL = hw::kLanes<T>;
   const long long ls = kLs ? kLs : lsRun;
   const long long is = 2 * (n / kR), len = kR * ls, mh = n / 2;
   for (long long b = 0; b < n / len; ++b) {
@@ -306,15 +306,15 @@ VSP_FFT_INLINE void MidPassBody(Halves<T> x, Halves<T> y, long long n, long long
 // multiplied by `scale` when `scaled`; x may be y.
 template <class T, bool kInv, int kR>
 VSP_FFT_INLINE void LastPassBody(Halves<T> x, Halves<T> y, long long n, const T* tw, bool scaled, T scale) {
-  constexpr int kL = sd::kLanes<T>, kH = kR / 2;
+  constexpr int kL = hw::kLanes<T>, kH = kR / 2;
   const long long s = n / kR, is = 2 * s;
-  const sd::Vec<T> sc = sd::Set1<T>(scale);
+  const hw::Vec<T> sc = hw::Set1<T>(scale);
   for (long long k = 0; k < s; k += kL, tw += 2 * kL * (kR - 1)) {
     CV<T> v[kR];
     LoadTwiddled<T, kInv, kR>(v, x.lo + 2 * k, x.hi + 2 * k, is, tw);
     BlockDft<kInv, kR, T>(v);
     for (int r = 0; r < kR; ++r) {
-      if (scaled) v[r] = {sd::Mul(v[r].re, sc), sd::Mul(v[r].im, sc)};
+      if (scaled) v[r] = {hw::Mul(v[r].re, sc), hw::Mul(v[r].im, sc)};
       StoreInterleaved(v[r], (r < kH ? y.lo : y.hi) + 2 * (k + (r % kH) * s));
     }
   }
@@ -370,9 +370,9 @@ VSP_FFT_INLINE void StockhamPasses(int order, const T* tw, Halves<T> in, Halves<
   int i = 1;
   if (PassLog(order, 0) == 3) {
     P::template First<8>(in, cur, n);
-  } else if (sd::kPairs<T> == 2 && count > 2) {
+  } else if (hw::kPairs<T> == 2 && count > 2) {
     // Radix 4 then a middle pass: both at once, radix 16.
-    if constexpr (sd::kPairs<T> == 2) P::First16(in, cur, n, tw);
+    if constexpr (hw::kPairs<T> == 2) P::First16(in, cur, n, tw);
     tw += 2 * 3 * ls;
     ls *= 4, ++i;
   } else {
@@ -421,27 +421,27 @@ template <class T> struct W32Powers {
 };
 template <class T> inline constexpr W32Powers<T> kW32{};
 // a * W_16^m (kInv: a * conj W_16^m) on interleaved values.
-template <bool kInv, int kM, class T> VSP_FFT_INLINE sd::Vec<T> MulW16(sd::Vec<T> a) {
-  return sd::MulTwiddle<kInv>(a, sd::Load1(kW32<T>.v + 2 * (2 * kM)));
+template <bool kInv, int kM, class T> VSP_FFT_INLINE hw::Vec<T> MulW16(hw::Vec<T> a) {
+  return hw::MulTwiddle<kInv>(a, hw::Load1(kW32<T>.v + 2 * (2 * kM)));
 }
 // 16 points as 4 x 4: 4-point DFTs of x[j + 4m] over m, the twiddles W_16^(j r), and 4-point
 // DFTs across j; X[r + 4s] lands in v[4r + s]. W_16^2 and W_16^6 multiply as the eighth turns
 // of Bfly8, W_16^4 as a quarter-turn.
-template <bool kInv, class T> VSP_FFT_INLINE void Bfly16(sd::Vec<T>* v) {
-  const sd::Vec<T> h = sd::Set1<T>(static_cast<T>(0.70710678118654752440L));
+template <bool kInv, class T> VSP_FFT_INLINE void Bfly16(hw::Vec<T>* v) {
+  const hw::Vec<T> h = hw::Set1<T>(static_cast<T>(0.70710678118654752440L));
   for (int j = 0; j < 4; ++j) Bfly4<kInv>(v[j], v[j + 4], v[j + 8], v[j + 12], v[j], v[j + 4], v[j + 8], v[j + 12]);
-  auto w2 = [&](sd::Vec<T> a) { return sd::Mul(sd::Add(a, sd::MulRot<kInv>(a)), h); };
+  auto w2 = [&](hw::Vec<T> a) { return hw::Mul(hw::Add(a, hw::MulRot<kInv>(a)), h); };
   v[5] = MulW16<kInv, 1>(v[5]);
   v[9] = w2(v[9]);
   v[13] = MulW16<kInv, 3>(v[13]);
   v[6] = w2(v[6]);
-  v[10] = sd::MulRot<kInv>(v[10]);
-  v[14] = sd::MulRot<kInv>(w2(v[14]));
+  v[10] = hw::MulRot<kInv>(v[10]);
+  v[14] = hw::MulRot<kInv>(w2(v[14]));
   v[7] = MulW16<kInv, 3>(v[7]);
-  v[11] = sd::MulRot<kInv>(w2(v[11]));
+  v[11] = hw::MulRot<kInv>(w2(v[11]));
   v[15] = MulW16<kInv, 9>(v[15]);
   for (int r = 0; r < 4; ++r) {
-    sd::Vec<T>* u = v + 4 * r;
+    hw::Vec<T>* u = v + 4 * r;
     Bfly4<kInv>(u[0], u[1], u[2], u[3], u[0], u[1], u[2], u[3]);
   }
 }
@@ -449,51 +449,51 @@ template <bool kInv, class T> VSP_FFT_INLINE void Bfly16(sd::Vec<T>* v) {
 template <class T, bool kInv, int kOrder>
 void TinyN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
   constexpr int kN = 1 << kOrder, kH = kN / 2;
-  sd::Vec<T> v[kN];
-  for (int j = 0; j < kN; ++j) v[j] = sd::Load1(j < kH ? in.lo + 2 * j : in.hi + 2 * (j - kH));
+  hw::Vec<T> v[kN];
+  for (int j = 0; j < kN; ++j) v[j] = hw::Load1(j < kH ? in.lo + 2 * j : in.hi + 2 * (j - kH));
   if constexpr (kN == 16) {
     // X[r + 4s] is in u[4r + s]; v takes the outputs in their natural order.
-    sd::Vec<T> u[kN];
+    hw::Vec<T> u[kN];
     for (int j = 0; j < kN; ++j) u[j] = v[j];
     Bfly16<kInv, T>(u);
     for (int k = 0; k < kN; ++k) v[k] = u[4 * (k % 4) + k / 4];
   } else if constexpr (kN == 2) {
-    const sd::Vec<T> a = v[0];
-    v[0] = sd::Add(a, v[1]);
-    v[1] = sd::Sub(a, v[1]);
+    const hw::Vec<T> a = v[0];
+    v[0] = hw::Add(a, v[1]);
+    v[1] = hw::Sub(a, v[1]);
   } else if constexpr (kN == 4) {
     Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
   } else {
     Bfly8<kInv, T>(v);
   }
-  const sd::Vec<T> sc = sd::Set1<T>(scale);
-  for (int j = 0; j < kN; ++j) sd::Store1(scaled ? sd::Mul(v[j], sc) : v[j], j < kH ? out.lo + 2 * j : out.hi + 2 * (j - kH));
+  const hw::Vec<T> sc = hw::Set1<T>(scale);
+  for (int j = 0; j < kN; ++j) hw::Store1(scaled ? hw::Mul(v[j], sc) : v[j], j < kH ? out.lo + 2 * j : out.hi + 2 * (j - kH));
 }
 // 32 points, one complex value per vector, as the two self-sorting passes 8 x 4 through a stack
 // buffer, both on interleaved values: with only two passes the conversions to blocks and back
 // would cost more shuffles than the complex products of the second pass.
 template <class T, bool kInv>
 void Interleaved32(Halves<T> in, Halves<T> out, bool scaled, T scale) {
-  alignas(16) T buf[64];
+  alignas(hw::kVecBytes) T buf[64];
   for (int i = 0; i < 4; ++i) {
-    sd::Vec<T> v[8];
-    for (int j = 0; j < 8; ++j) v[j] = sd::Load1(in.At(i + 4 * j, 32));
+    hw::Vec<T> v[8];
+    for (int j = 0; j < 8; ++j) v[j] = hw::Load1(in.At(i + 4 * j, 32));
     Bfly8<kInv, T>(v);
-    for (int r = 0; r < 8; ++r) sd::Store1(v[r], buf + 2 * (8 * i + r));
+    for (int r = 0; r < 8; ++r) hw::Store1(v[r], buf + 2 * (8 * i + r));
   }
-  const sd::Vec<T> sc = sd::Set1<T>(scale);
+  const hw::Vec<T> sc = hw::Set1<T>(scale);
   for (int k = 0; k < 8; ++k) {
-    sd::Vec<T> v[4];
-    v[0] = sd::Load1(buf + 2 * k);
+    hw::Vec<T> v[4];
+    v[0] = hw::Load1(buf + 2 * k);
     for (int j = 1; j < 4; ++j)
-      v[j] = sd::MulTwiddle<kInv>(sd::Load1(buf + 2 * (k + 8 * j)), sd::Load1(kW32<T>.v + 2 * (j * k)));
+      v[j] = hw::MulTwiddle<kInv>(hw::Load1(buf + 2 * (k + 8 * j)), hw::Load1(kW32<T>.v + 2 * (j * k)));
     Bfly4<kInv>(v[0], v[1], v[2], v[3], v[0], v[1], v[2], v[3]);
-    for (int r = 0; r < 4; ++r) sd::Store1(scaled ? sd::Mul(v[r], sc) : v[r], out.At(k + 8 * r, 32));
+    for (int r = 0; r < 4; ++r) hw::Store1(scaled ? hw::Mul(v[r], sc) : v[r], out.At(k + 8 * r, 32));
   }
 }
 template <class T, bool kInv, int kOrder>
 void DirectN(Halves<T> in, Halves<T> out, bool scaled, T scale) {
-  alignas(16) T buf[2 << kOrder];
+  alignas(hw::kVecBytes) T buf[2 << kOrder];
   const T* tw = kOrder == 4 ? kSmallTw4<T>.v : kSmallTw5<T>.v;
   StockhamPasses<T, kInv, true>(kOrder, tw, in, out, Whole(buf, 1LL << kOrder), scaled, scale);
 }
@@ -511,10 +511,10 @@ void ownsFFTDirect(int order, Halves<T> in, Halves<T> out, bool scaled, T scale)
     case 3: return TinyN<T, kInv, 3>(in, out, scaled, scale);
     case 4:
       // One complex double per vector: in registers, without the block transposes.
-      if constexpr (sd::kPairs<T> == 1) return TinyN<T, kInv, 4>(in, out, scaled, scale);
+      if constexpr (hw::kPairs<T> == 1) return TinyN<T, kInv, 4>(in, out, scaled, scale);
       else return DirectN<T, kInv, 4>(in, out, scaled, scale);
     default:
-      if constexpr (sd::kPairs<T> == 1) return Interleaved32<T, kInv>(in, out, scaled, scale);
+      if constexpr (hw::kPairs<T> == 1) return Interleaved32<T, kInv>(in, out, scaled, scale);
       else return DirectN<T, kInv, 5>(in, out, scaled, scale);
   }
 }
@@ -560,7 +560,7 @@ template <class T>
 void ownsFFTBitRev(Halves<T> x, Halves<T> y, int order, RevTable rt) {
   const long long eighth = 1LL << (order - 3), blocks = 1LL << (order - 6);
   const bool inPlace = x.lo == y.lo;
-  alignas(16) T a[128], b[128];
+  alignas(hw::kVecBytes) T a[128], b[128];
   auto load = [&](T* buf, long long m) {
     for (int r = 0; r < 8; ++r) std::memcpy(buf + 16 * r, x.At(r * eighth + 8 * m, 8 * eighth), 16 * sizeof(T));
   };
@@ -568,7 +568,7 @@ void ownsFFTBitRev(Halves<T> x, Halves<T> y, int order, RevTable rt) {
   auto store = [&](const T* buf, long long m) {
     for (int r = 0; r < 8; ++r) {
       T* d = y.At(r * eighth + 8 * m, 8 * eighth);
-      for (int c = 0; c < 8; ++c) sd::Store1(sd::Load1(buf + 16 * kRev3[c] + 2 * kRev3[r]), d + 2 * c);
+      for (int c = 0; c < 8; ++c) hw::Store1(hw::Load1(buf + 16 * kRev3[c] + 2 * kRev3[r]), d + 2 * c);
     }
   };
   for (long long m = 0; m < blocks; ++m) {
@@ -608,7 +608,7 @@ template <class T> struct LargePlan {
 // blocks with the twiddles broadcast.
 template <bool kInv, class T>
 VSP_FFT_INLINE void Bfly22(CV<T>& x0, CV<T>& x1, CV<T>& x2, CV<T>& x3, const T* wa, const T* wb) {
-  const sd::Vec<T> ar = sd::Set1<T>(wa[0]), ai = sd::Set1<T>(wa[1]), br = sd::Set1<T>(wb[0]), bi = sd::Set1<T>(wb[1]);
+  const hw::Vec<T> ar = hw::Set1<T>(wa[0]), ai = hw::Set1<T>(wa[1]), br = hw::Set1<T>(wb[0]), bi = hw::Set1<T>(wb[1]);
   x1 = CMul<kInv>(x1, ar, ai);
   x3 = CMul<kInv>(x3, ar, ai);
   const CV<T> a0 = CAdd(x0, x1), a1 = CSub(x0, x1);
@@ -625,7 +625,7 @@ VSP_FFT_INLINE void Bfly22(CV<T>& x0, CV<T>& x1, CV<T>& x2, CV<T>& x3, const T* 
 template <class T, bool kInv>
 void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work, long long workPairs, bool scaled,
                   T scale) {
-  constexpr int kL = sd::kLanes<T>;
+  constexpr int kL = hw::kLanes<T>;
   const int b = lv.block, r = lv.order - b, bl = LoBits(b);
   const long long n1 = 1LL << b, n2 = 1LL << r;
   const T* tabA = reinterpret_cast<const T*>(pl.base + lv.offA);
@@ -635,7 +635,7 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
   const long long cap = (256 * 1024 / (2 * sizeof(T))) / n1;
   if (cols > cap) cols = cap;
   if (cols > n2) cols = n2;
-  const sd::Vec<T> sc = sd::Set1<T>(scale);
+  const hw::Vec<T> sc = hw::Set1<T>(scale);
   for (long long c0 = 0; c0 < n2; c0 += cols) {
     for (long long g = 0; g < n1; g += 4) {
       const T* src[4];
@@ -654,8 +654,8 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
         CV<T> x[4];
         for (int i = 0; i < 4; ++i) {
           x[i] = LoadInterleaved(src[i] + 2 * t);
-          if (fa[i]) x[i] = CMul<kInv>(x[i], sd::LoadU(fa[i] + 2 * t), sd::LoadU(fa[i] + 2 * t + kL));
-          if (fb[i]) x[i] = CMul<kInv>(x[i], sd::LoadU(fb[i] + 2 * t), sd::LoadU(fb[i] + 2 * t + kL));
+          if (fa[i]) x[i] = CMul<kInv>(x[i], hw::LoadU(fa[i] + 2 * t), hw::LoadU(fa[i] + 2 * t + kL));
+          if (fb[i]) x[i] = CMul<kInv>(x[i], hw::LoadU(fb[i] + 2 * t), hw::LoadU(fb[i] + 2 * t + kL));
         }
         // Rows in bit-reversed order: the 4-point DFT of (x0, x2, x1, x3).
         BlockBfly4<kInv>(x[0], x[2], x[1], x[3], x[0], x[1], x[2], x[3]);
@@ -683,7 +683,7 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
                 StoreBlock(x[i], out[i] + 2 * t);
                 continue;
               }
-              if (scaled) x[i] = {sd::Mul(x[i].re, sc), sd::Mul(x[i].im, sc)};
+              if (scaled) x[i] = {hw::Mul(x[i].re, sc), hw::Mul(x[i].im, sc)};
               StoreInterleaved(x[i], out[i] + 2 * t);
             }
           }
@@ -699,7 +699,7 @@ void ColumnPasses(const LargePlan<T>& pl, const Level& lv, Halves<T> d, T* work,
 // complex floats of consecutive n2 are paired into one vector for each row.
 template <class T>
 void ownsFFTGatherRows(Halves<T> x, Halves<T> y, int order, int block) {
-  constexpr int kRun = 4, kP = sd::kPairs<T>;
+  constexpr int kRun = 4, kP = hw::kPairs<T>;
   const long long n1 = 1LL << block, n2 = 1LL << (order - block);
   for (long long t = 0; t < n1; t += kRun) {
     T* rows[kRun];
@@ -713,12 +713,12 @@ void ownsFFTGatherRows(Halves<T> x, Halves<T> y, int order, int block) {
       if constexpr (kP == 2) {
         const T* next = x.At(t + n1 * (k2 + 1), n1 * n2);
         for (int i = 0; i < kRun; i += 2) {
-          const sd::Vec<T> a = sd::LoadU(run + 2 * i), b = sd::LoadU(next + 2 * i);
-          sd::StoreU(sd::PairsLo(a, b), rows[i] + 2 * k2);
-          sd::StoreU(sd::PairsHi(a, b), rows[i + 1] + 2 * k2);
+          const hw::Vec<T> a = hw::LoadU(run + 2 * i), b = hw::LoadU(next + 2 * i);
+          hw::StoreU(hw::PairsLo(a, b), rows[i] + 2 * k2);
+          hw::StoreU(hw::PairsHi(a, b), rows[i + 1] + 2 * k2);
         }
       } else {
-        for (int i = 0; i < kRun; ++i) sd::StoreU(sd::LoadU(run + 2 * i), rows[i] + 2 * k2);
+        for (int i = 0; i < kRun; ++i) hw::StoreU(hw::LoadU(run + 2 * i), rows[i] + 2 * k2);
       }
     }
   }
@@ -758,17 +758,17 @@ template <class T> struct RecTable {
   const T* t;
   long long f;
   // The twiddles of k and, for two complex floats per vector, k + 1.
-  sd::Vec<T> Get(long long k) const {
+  hw::Vec<T> Get(long long k) const {
     if (f == 0) {
-      if constexpr (sd::kPairs<T> == 2) return sd::LoadU(t + 2 * k);
-      else return sd::Load1(t + 2 * k);
+      if constexpr (hw::kPairs<T> == 2) return hw::LoadU(t + 2 * k);
+      else return hw::Load1(t + 2 * k);
     }
     const T* second = t + 2 * f;
-    if constexpr (sd::kPairs<T> == 2) {
-      sd::Vec<T> u = sd::Load2(t + 2 * (k % f), t + 2 * ((k + 1) % f));
-      return sd::MulComplex(u, sd::Load2(second + 2 * (k / f), second + 2 * ((k + 1) / f)));
+    if constexpr (hw::kPairs<T> == 2) {
+      hw::Vec<T> u = hw::Load2(t + 2 * (k % f), t + 2 * ((k + 1) % f));
+      return hw::MulComplex(u, hw::Load2(second + 2 * (k / f), second + 2 * ((k + 1) / f)));
     } else {
-      return sd::MulComplex(sd::Load1(t + 2 * (k % f)), sd::Load1(second + 2 * (k / f)));
+      return hw::MulComplex(hw::Load1(t + 2 * (k % f)), hw::Load1(second + 2 * (k / f)));
     }
   }
 };
@@ -776,20 +776,20 @@ template <class T> struct RecTable {
 // The pairs (k, M - k), 1 <= k < M/2, of a recombination in place on M complex values: `pair`
 // maps the values at k and M - k and the twiddle of k to the new values.
 template <class T, class Pair> VSP_FFT_INLINE void RecombinePairs(T* z, long long m, RecTable<T> tw, Pair pair) {
-  using V = sd::Vec<T>;
-  constexpr int P = sd::kPairs<T>;
+  using V = hw::Vec<T>;
+  constexpr int P = hw::kPairs<T>;
   long long k = 1;
   for (; k + P <= m / 2; k += P) {
     V a, b;
-    pair(sd::LoadU(z + 2 * k), sd::ReversePairs(sd::LoadU(z + 2 * (m - k - P + 1))), tw.Get(k), a, b);
-    sd::StoreU(a, z + 2 * k);
-    sd::StoreU(sd::ReversePairs(b), z + 2 * (m - k - P + 1));
+    pair(hw::LoadU(z + 2 * k), hw::ReversePairs(hw::LoadU(z + 2 * (m - k - P + 1))), tw.Get(k), a, b);
+    hw::StoreU(a, z + 2 * k);
+    hw::StoreU(hw::ReversePairs(b), z + 2 * (m - k - P + 1));
   }
   for (; k < m / 2; ++k) {
     V a, b;
-    pair(sd::Load1(z + 2 * k), sd::Load1(z + 2 * (m - k)), tw.Get(k), a, b);
-    sd::Store1(a, z + 2 * k);
-    sd::Store1(b, z + 2 * (m - k));
+    pair(hw::Load1(z + 2 * k), hw::Load1(z + 2 * (m - k)), tw.Get(k), a, b);
+    hw::Store1(a, z + 2 * k);
+    hw::Store1(b, z + 2 * (m - k));
   }
 }
 
@@ -831,17 +831,17 @@ template <class T> constexpr const T* SmallRecTable(int order, bool inv) {
 // Im Z0): the Perm layout. Every value is multiplied by `scale` when `scaled`.
 template <class T>
 void ownsFFTRecombineFwd(T* z, long long m, RecTable<T> tw, bool scaled, T scale) {
-  using V = sd::Vec<T>;
-  const V half = sd::Set1<T>(T(0.5)), sc = sd::Set1<T>(scale);
+  using V = hw::Vec<T>;
+  const V half = hw::Set1<T>(T(0.5)), sc = hw::Set1<T>(scale);
   RecombinePairs(z, m, tw, [&](V zk, V zm, V u, V& xk, V& xm) {
-    zm = sd::Conj(zm);
-    V a = sd::Mul(sd::Add(zk, zm), half), c = sd::MulComplex(sd::Sub(zk, zm), u);
-    xk = sd::Add(a, c);
-    xm = sd::Conj(sd::Sub(a, c));
-    if (scaled) xk = sd::Mul(xk, sc), xm = sd::Mul(xm, sc);
+    zm = hw::Conj(zm);
+    V a = hw::Mul(hw::Add(zk, zm), half), c = hw::MulComplex(hw::Sub(zk, zm), u);
+    xk = hw::Add(a, c);
+    xm = hw::Conj(hw::Sub(a, c));
+    if (scaled) xk = hw::Mul(xk, sc), xm = hw::Mul(xm, sc);
   });
-  V mid = sd::Conj(sd::Load1(z + m));
-  sd::Store1(scaled ? sd::Mul(mid, sc) : mid, z + m);
+  V mid = hw::Conj(hw::Load1(z + m));
+  hw::Store1(scaled ? hw::Mul(mid, sc) : mid, z + m);
   const T re = z[0], im = z[1];
   z[0] = scaled ? (re + im) * scale : re + im;
   z[1] = scaled ? (re - im) * scale : re - im;
@@ -853,15 +853,15 @@ void ownsFFTRecombineFwd(T* z, long long m, RecTable<T> tw, bool scaled, T scale
 // X(M - k); Z'(M/2) = 2 conj X(M/2); Z'(0) = (X0 + X(M), X0 - X(M)).
 template <class T>
 void ownsFFTRecombineInv(T* z, long long m, RecTable<T> tw) {
-  using V = sd::Vec<T>;
+  using V = hw::Vec<T>;
   RecombinePairs(z, m, tw, [](V xk, V xm, V v, V& zk, V& zm) {
-    xm = sd::Conj(xm);
-    V a = sd::Add(xk, xm), d = sd::MulComplex(sd::Sub(xk, xm), v);
-    zk = sd::Add(a, d);
-    zm = sd::Conj(sd::Sub(a, d));
+    xm = hw::Conj(xm);
+    V a = hw::Add(xk, xm), d = hw::MulComplex(hw::Sub(xk, xm), v);
+    zk = hw::Add(a, d);
+    zm = hw::Conj(hw::Sub(a, d));
   });
-  V mid = sd::Conj(sd::Load1(z + m));
-  sd::Store1(sd::Add(mid, mid), z + m);
+  V mid = hw::Conj(hw::Load1(z + m));
+  hw::Store1(hw::Add(mid, mid), z + m);
   const T x0 = z[0], xm = z[1];
   z[0] = x0 + xm;
   z[1] = x0 - xm;

@@ -10,7 +10,7 @@
 namespace vsp {
 namespace {
 
-namespace sd = vsp::simd;
+namespace hw = vsp::simd;
 
 enum class Lay { Pack, Perm, Ccs };
 enum class Prod { Mul, MulConj };
@@ -22,7 +22,7 @@ inline long long NyquistAt(Lay lay, long long n) { return n % 2 ? -1 : lay == La
 // dst[k] = a[k] x b[k] (or a[k] x conj b[k]) over `pairs` complex values stored as T pairs;
 // the complex product rounds each product once, then adds once, on every path.
 template <class T, Prod kProd> struct PairProduct {
-  static constexpr int kStep = sd::kPairs<T>;
+  static constexpr int kStep = hw::kPairs<T>;
   const T* a;
   const T* b;
   T* d;
@@ -37,8 +37,8 @@ template <class T, Prod kProd> struct PairProduct {
     }
   }
   void Vector(long long i) {
-    sd::Vec<T> x = sd::LoadU(a + 2 * i), y = sd::LoadU(b + 2 * i);
-    sd::StoreU(kProd == Prod::Mul ? sd::MulComplex(x, y) : sd::MulComplexConj(x, y), d + 2 * i);
+    hw::Vec<T> x = hw::LoadU(a + 2 * i), y = hw::LoadU(b + 2 * i);
+    hw::StoreU(kProd == Prod::Mul ? hw::MulComplex(x, y) : hw::MulComplexConj(x, y), d + 2 * i);
   }
 };
 template <class T> struct ComplexOf;
@@ -69,12 +69,12 @@ template <class T> VspStatus MulOut(Lay lay, const T* src1, const T* src2, T* ds
 // Y(N - k) = conj Y(k) for k = 1 .. (N-1)/2, a whole vector of bins at a time (the two ranges
 // never overlap).
 template <class T> void ownsMirror(T* y, long long n) {
-  constexpr int P = sd::kPairs<T>;
+  constexpr int P = hw::kPairs<T>;
   const long long h = (n - 1) / 2;
   long long k = 1;
   for (; k + P - 1 <= h; k += P)
-    sd::StoreU(sd::ReversePairs(sd::Conj(sd::LoadU(y + 2 * k))), y + 2 * (n - k - P + 1));
-  for (; k <= h; ++k) sd::Store1(sd::Conj(sd::Load1(y + 2 * k)), y + 2 * (n - k));
+    hw::StoreU(hw::ReversePairs(hw::Conj(hw::LoadU(y + 2 * k))), y + 2 * (n - k - P + 1));
+  for (; k <= h; ++k) hw::Store1(hw::Conj(hw::Load1(y + 2 * k)), y + 2 * (n - k));
 }
 
 template <class T> VspStatus ExpandInPlace(Lay lay, T* y, int len) {

@@ -29,7 +29,11 @@ template <> struct Vec<Vsp32s> { __m128i raw; };
 template <> struct Vec<Vsp64u> { __m128i raw; };
 template <> struct Vec<Vsp64s> { __m128i raw; };
 
-template <class T> inline constexpr int kLanes = 16 / static_cast<int>(sizeof(T));
+// The vector width of this layer in bytes, and the lanes of T in one vector. Kernels size their
+// steps, alignment and scratch arrays by these names only; a layer for a wider instruction set
+// changes them here.
+inline constexpr int kVecBytes = 16;
+template <class T> inline constexpr int kLanes = kVecBytes / static_cast<int>(sizeof(T));
 template <class T> inline constexpr bool kIsFloat = std::is_floating_point_v<T>;
 template <class T> inline constexpr bool kIsInt = std::is_integral_v<T>;
 
@@ -170,8 +174,6 @@ template <class T> inline Vec<T> Mul(Vec<T> a, Vec<T> b) {
 // High 16 bits of the 32-bit products of 16-bit lanes.
 inline Vec<Vsp16s> MulHi(Vec<Vsp16s> a, Vec<Vsp16s> b) { return {_mm_mulhi_epi16(a.raw, b.raw)}; }
 inline Vec<Vsp16u> MulHi(Vec<Vsp16u> a, Vec<Vsp16u> b) { return {_mm_mulhi_epu16(a.raw, b.raw)}; }
-// Products of the even 32-bit lanes (0 and 2) as two unsigned 64-bit lanes.
-inline Vec<Vsp64u> MulEvenU(Vec<Vsp32u> a, Vec<Vsp32u> b) { return {_mm_mul_epu32(a.raw, b.raw)}; }
 // Sums of adjacent 16-bit products as 32-bit lanes (pmaddwd).
 inline Vec<Vsp32s> MulAddPairs(Vec<Vsp16s> a, Vec<Vsp16s> b) { return {_mm_madd_epi16(a.raw, b.raw)}; }
 
@@ -179,9 +181,8 @@ inline Vec<Vsp32f> Div(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_div_ps(a.raw,
 inline Vec<Vsp64f> Div(Vec<Vsp64f> a, Vec<Vsp64f> b) { return {_mm_div_pd(a.raw, b.raw)}; }
 inline Vec<Vsp32f> Sqrt(Vec<Vsp32f> a) { return {_mm_sqrt_ps(a.raw)}; }
 inline Vec<Vsp64f> Sqrt(Vec<Vsp64f> a) { return {_mm_sqrt_pd(a.raw)}; }
-// Hardware estimates (relative error below 1.5 * 2^-12).
+// Hardware estimate (relative error below 1.5 * 2^-12).
 inline Vec<Vsp32f> ApproxRecip(Vec<Vsp32f> a) { return {_mm_rcp_ps(a.raw)}; }
-inline Vec<Vsp32f> ApproxRecipSqrt(Vec<Vsp32f> a) { return {_mm_rsqrt_ps(a.raw)}; }
 
 template <class T> inline Vec<T> Neg(Vec<T> a) {
   if constexpr (kIsFloat<T>) return Xor(a, Set1<T>(T(-0.0)));
@@ -435,6 +436,11 @@ inline Vec<Vsp32s> ConvertTrunc(Vec<Vsp64f> a) { return {_mm_cvttpd_epi32(a.raw)
 // ---- lane order -------------------------------------------------------------------------------
 
 // Lanes in reverse order.
+// Each pair of 16-bit lanes exchanged (re, im -> im, re).
+inline Vec<Vsp16s> SwapPairs(Vec<Vsp16s> a) {
+  return {_mm_shufflehi_epi16(_mm_shufflelo_epi16(a.raw, 0xB1), 0xB1)};
+}
+
 template <class T> inline Vec<T> Reverse(Vec<T> a) {
   if constexpr (std::is_same_v<T, Vsp32f>) return {_mm_shuffle_ps(a.raw, a.raw, 0x1B)};
   else if constexpr (std::is_same_v<T, Vsp64f>) return {_mm_shuffle_pd(a.raw, a.raw, 1)};

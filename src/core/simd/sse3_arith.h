@@ -19,7 +19,7 @@ template <class L> inline Vec<L> GtU(Vec<L> a, Vec<L> b) {
 }
 
 // The 8 bytes at p in the low half, zeros in the high half.
-template <class T> inline Vec<T> LoadLow(const T* p) {
+template <class T> inline Vec<T> LoadHalf(const T* p) {
   return BitCast<T>(Vec<Vsp8u>{_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))});
 }
 
@@ -51,10 +51,6 @@ inline Vec<Vsp32s> EvenLanes(Vec<Vsp32s> a, Vec<Vsp32s> b) {
 }
 inline Vec<Vsp32s> OddLanes(Vec<Vsp32s> a, Vec<Vsp32s> b) {
   return BitCast<Vsp32s>(Vec<Vsp32f>{_mm_shuffle_ps(_mm_castsi128_ps(a.raw), _mm_castsi128_ps(b.raw), 0xDD)});
-}
-// Each pair of 16-bit lanes exchanged (re, im -> im, re).
-inline Vec<Vsp16s> SwapPairs(Vec<Vsp16s> a) {
-  return {_mm_shufflehi_epi16(_mm_shufflelo_epi16(a.raw, 0xB1), 0xB1)};
 }
 
 // ---- exact products of 32-bit lanes as 64-bit lanes -------------------------------------------

@@ -21,25 +21,13 @@ inline Vec<Vsp64f> Load1(const Vsp64f* p) { return {_mm_loadu_pd(p)}; }
 inline void Store1(Vec<Vsp32f> v, Vsp32f* p) { _mm_storel_pi(reinterpret_cast<__m64*>(p), v.raw); }
 inline void Store1(Vec<Vsp64f> v, Vsp64f* p) { _mm_storeu_pd(p, v.raw); }
 
-// The complex value at p in every pair of the vector.
-inline Vec<Vsp32f> LoadBroadcast1(const Vsp32f* p) {
-  __m128 v = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(p));
-  return {_mm_movelh_ps(v, v)};
-}
-inline Vec<Vsp64f> LoadBroadcast1(const Vsp64f* p) { return {_mm_loadu_pd(p)}; }
-
-// Two complex floats from two addresses: (p0[0], p1[0]); and the reverse, pair 0 to p0 and
-// pair 1 to p1.
+// Two complex floats from two addresses: (p0[0], p1[0]).
 inline Vec<Vsp32f> Load2(const Vsp32f* p0, const Vsp32f* p1) {
   __m128 v = _mm_loadl_pi(_mm_setzero_ps(), reinterpret_cast<const __m64*>(p0));
   return {_mm_loadh_pi(v, reinterpret_cast<const __m64*>(p1))};
 }
-inline void Store2(Vec<Vsp32f> v, Vsp32f* p0, Vsp32f* p1) {
-  _mm_storel_pi(reinterpret_cast<__m64*>(p0), v.raw);
-  _mm_storeh_pi(reinterpret_cast<__m64*>(p1), v.raw);
-}
 // The vector with its low 8 bytes replaced by those at p (a merging load, no shuffle).
-inline Vec<Vsp64f> LoadLow(Vec<Vsp64f> v, const Vsp64f* p) { return {_mm_loadl_pd(v.raw, p)}; }
+inline Vec<Vsp64f> InsertLow(Vec<Vsp64f> v, const Vsp64f* p) { return {_mm_loadl_pd(v.raw, p)}; }
 
 // (a.pair0, b.pair0) and (a.pair1, b.pair1) of two complex-float vectors (2 x 2 transpose).
 inline Vec<Vsp32f> PairsLo(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_movelh_ps(a.raw, b.raw)}; }
@@ -91,16 +79,5 @@ inline Vec<Vsp32f> RealParts(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_shuffle
 inline Vec<Vsp32f> ImagParts(Vec<Vsp32f> a, Vec<Vsp32f> b) { return {_mm_shuffle_ps(a.raw, b.raw, 0xDD)}; }
 inline Vec<Vsp64f> RealParts(Vec<Vsp64f> a, Vec<Vsp64f> b) { return InterleaveLo(a, b); }
 inline Vec<Vsp64f> ImagParts(Vec<Vsp64f> a, Vec<Vsp64f> b) { return InterleaveHi(a, b); }
-
-// Transposes the kLanes x kLanes matrix whose rows are r[0..kLanes-1], in place.
-inline void Transpose(Vec<Vsp64f>* r) {
-  const Vec<Vsp64f> a = InterleaveLo(r[0], r[1]), b = InterleaveHi(r[0], r[1]);
-  r[0] = a, r[1] = b;
-}
-inline void Transpose(Vec<Vsp32f>* r) {
-  const Vec<Vsp32f> t0 = InterleaveLo(r[0], r[1]), t1 = InterleaveLo(r[2], r[3]);
-  const Vec<Vsp32f> t2 = InterleaveHi(r[0], r[1]), t3 = InterleaveHi(r[2], r[3]);
-  r[0] = PairsLo(t0, t1), r[1] = PairsHi(t0, t1), r[2] = PairsLo(t2, t3), r[3] = PairsHi(t2, t3);
-}
 
 }  // namespace vsp::simd

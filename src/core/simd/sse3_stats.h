@@ -35,11 +35,6 @@ template <class T> inline Vec<Wider<T>> WidenAddHalves(Vec<T> a) {
   return Add(PromoteLo(a), PromoteHi(a));
 }
 
-// Adjacent 16-bit lanes exchanged (the re and im parts of 16sc elements).
-inline Vec<Vsp16s> SwapPairs16(Vec<Vsp16s> a) {
-  return {_mm_shufflehi_epi16(_mm_shufflelo_epi16(a.raw, 0xB1), 0xB1)};
-}
-
 // x in lane 0, zeros in the other lanes.
 inline Vec<Vsp64f> SetLo(Vsp64f x) { return {_mm_set_sd(x)}; }
 inline Vec<Vsp32f> SetLo(Vsp32f x) { return {_mm_set_ss(x)}; }
