@@ -1,6 +1,5 @@
-// References and inputs of the arithmetic tests. The integer references evaluate the scale-factor
-// rule by exact division in 128-bit arithmetic (floor quotient and remainder), not by the shift
-// formulas of the library.
+// References and inputs of the quotient tests: exact rational rounding in 128-bit arithmetic
+// (floor quotient and remainder), not the library's reciprocal methods.
 #pragma once
 
 #include <cmath>
@@ -31,15 +30,6 @@ inline i128 RoundDiv(i128 num, i128 den, int mode) {
   const i128 twice = 2 * (a - q * den);
   if ((mode == 1 && (twice > den || (twice == den && (q & 1)))) || (mode == 2 && twice >= den)) ++q;
   return neg ? -q : q;
-}
-
-// saturate(round(R * 2^-s)) into D, ties to even; |R| < 2^126.
-template <class D> D RefScale(i128 r, int s) {
-  if (s >= 0) return s > 126 ? D(0) : Clamp<D>(RoundDiv(r, i128(1) << s, 1));
-  // Doubling stops once beyond every destination range.
-  const i128 lim = i128(1) << 70;
-  for (long long k = 0; k < -static_cast<long long>(s) && r > -lim && r < lim; ++k) r *= 2;
-  return Clamp<D>(r);
 }
 
 // round(num * 2^-s / den) by mode into D; den != 0, |num| and |den| below 2^64, |s| <= 60.

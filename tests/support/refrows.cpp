@@ -316,7 +316,10 @@ class Runner {
         case Role::Scale: cells[i].Set<int>(scale); break;
         case Role::Val: {
           const W* v = Find("val");
+          In probe;
+          probe.c = edge_ < 0 ? W() : AsPassed(a, t, W(edge_ == 0 ? Q(0) : edge_ == 1 ? Q(1) : -Q(1)));
           if (v) c = AsPassed(a, t, *v);
+          else if (edge_ >= 0 && (!row_.accept || row_.accept(probe))) c = probe.c;
           else {
             unsigned char b[16] = {};
             do {
@@ -400,6 +403,8 @@ class Runner {
   }
 
   void SetSettingsText(std::string s) { settingsText_ = std::move(s); }
+  // Constants 0, 1 and -1 (the short-cut values) instead of random ones while k >= 0.
+  void SetEdgeConstant(int k) { edge_ = k; }
 
  private:
   int rndModeArg() const {
@@ -444,6 +449,7 @@ class Runner {
   std::vector<W> planted_;
   std::vector<std::pair<std::string, W>> params_;
   std::string settingsText_;
+  int edge_ = -1;
 };
 
 // Scale factors at the boundaries of every scaling path, and a few of each path for the long sweeps.
@@ -506,6 +512,13 @@ void CheckAgainstRow(const Export& e, const RefRow& row) {
       for (int sc : BoundaryScales()) sweeps.push_back({67, 6, sc});
     for (const Sweep& sw : sweeps)
       if (!run.Run(sw.n, sw.offset, sw.scale, rng)) return;
+    if (l.val >= 0)
+      for (int k = 0; k < 3; ++k) {
+        run.SetEdgeConstant(k);
+        for (int sc : scaled ? std::vector<int>{0, 5} : std::vector<int>{0})
+          if (!run.Run(1000, 4, sc, rng)) return;
+        run.SetEdgeConstant(-1);
+      }
     // Small domains: every source value (and pair of values) in one call, in the first run.
     if (vectorSources >= 1 && srcDomain <= 65536 && s == runs.front()) {
       const std::vector<int> scales = scaled ? std::vector<int>{0, 1, 7, 8, 9, 16, -1, -9} : std::vector<int>{0};
