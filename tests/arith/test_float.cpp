@@ -4,11 +4,18 @@
 #include <pmmintrin.h>
 
 #include <cfloat>
+#include <cmath>
+#include <limits>
 
-#include "arith_ref.h"
+#include "support/budget.h"
+#include "support/buffers.h"
+#include "vsp.h"
 
 namespace vsptest {
 namespace {
+
+// Any NaN matches any NaN; otherwise the same bits.
+bool SameFloat(float a, float b) { return (a != a && b != b) || std::memcmp(&a, &b, 4) == 0; }
 
 // Random floats of every magnitude, with the special values now and then.
 template <class F> F RandomFloat(Rng& rng) {
@@ -31,8 +38,8 @@ float RefinedQuotient(float n, float d) {
 
 TEST(FloatArith, Div32fRefinedReciprocal) {
   Rng rng(12);
-  for (int n : SweepLengths()) {
-    for (size_t off : SweepOffsets<Vsp32f>()) {
+  for (int n = 1; n <= 300; n += n < 70 ? 1 : 23) {
+    for (size_t off = 0; off < 16; off += 4 * Thin(2)) {
       GuardedVec<Vsp32f> x(n, off), y(n, 12 - off), d(n, off);
       bool zero = false;
       for (int i = 0; i < n; ++i) {
