@@ -24,7 +24,7 @@ int Width(const In& a) { return 8 * a.src->PartBytes(); }
 // round(num * 2^-s / den) to nearest even in 128-bit integers, for 64-bit operands (where a
 // quotient in 113 bits can land on a false tie). Doubling stops once beyond every 64-bit value.
 Q ExactQuotient(Q num, Q den, int s) {
-  if (s >= 64) return 0;  // below 1/2 (or exactly 1/2: to the even 0)
+  if (s >= 64 || num == 0) return 0;  // below 1/2 (or exactly 1/2: to the even 0)
   __int128 a = static_cast<__int128>(num), d = static_cast<__int128>(den);
   if (d < 0) a = -a, d = -d;
   const bool neg = a < 0;

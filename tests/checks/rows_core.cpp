@@ -41,18 +41,53 @@ VSP_REF_ROWS(kStatsRows)({
      {"vSub=17 vDiv=1", "vSub=-5,9 vDiv=-1", "vSub=3 vDiv=2", "vSub=0 vDiv=-7", "vSub=1 vDiv=1000", "vSub=2 vDiv=2147483647"}},
 });
 
+// Reductions whose integer results are exact, then scaled and rounded once.
+using Ins = std::vector<In>;
+W Total(const Ins& v, W (*term)(const In&)) {
+  W t;
+  for (const In& a : v) t = t + term(a);
+  return t;
+}
+Q Mag(Q v) { return v < 0 ? -v : v; }
+W Norm(const Ins& v, bool diff, int kind) {  // kind 0 Inf, 1 L1, 2 L2, 3 squared L2
+  Q r = 0;
+  for (const In& a : v) {
+    const Q m = Mag(diff ? a.x.re - a.y.re : a.x.re);
+    r = kind == 0 ? (m > r ? m : r) : kind == 1 ? r + m : r + m * m;
+  }
+  return W(kind == 2 ? Sqrt(r) : r);
+}
+template <bool kDiff, int kKind> W NormOf(const Ins& v) { return Norm(v, kDiff, kKind); }
+
+VSP_REF_ROWS(kReductionRows)({
+    {.pattern = "vspsSum_*_Sfs", .reduce = [](const Ins& v) { return Total(v, [](const In& a) { return a.x; }); }},
+    {.pattern = "vspsDotProd_*", .reduce = [](const Ins& v) { return Total(v, [](const In& a) { return a.Mul(a.x, a.y); }); }},
+    {.pattern = "vspsNorm_Inf_16s*", .reduce = NormOf<false, 0>},
+    {.pattern = "vspsNorm_L1_16s*", .reduce = NormOf<false, 1>},
+    {.pattern = "vspsNorm_L2_16s32f", .ulps = 1, .reduce = NormOf<false, 2>},
+    {.pattern = "vspsNorm_L2Sqr_16s*", .reduce = NormOf<false, 3>},
+    {.pattern = "vspsNormDiff_Inf_16s*", .reduce = NormOf<true, 0>},
+    {.pattern = "vspsNormDiff_L1_16s*", .reduce = NormOf<true, 1>},
+    {.pattern = "vspsNormDiff_L2_16s32f", .ulps = 1, .reduce = NormOf<true, 2>},
+    {.pattern = "vspsNormDiff_L2Sqr_16s*", .reduce = NormOf<true, 3>},
+});
+
 // Families whose results are not element-wise, tested by their own programs.
 VSP_WAIVERS(kCoreWaivers)({
     {"vspsMalloc_*", "Allocators.AlignedWritableBlocksOfEveryType"},
     {"vspsFree", "Allocators.AlignedWritableBlocksOfEveryType"},
     {"vspsGetLibVersion", "Version.FixedFieldsAndFormats"},
     {"vspsCopy?E_1u", "BitCopy.MatchesBitByBitReference"},
-    {"vspsSum_*", "Sums.FloatSumsAndMeansRoundTheExactTotalOnce"},
-    {"vspsMean_*", "Sums.FloatSumsAndMeansRoundTheExactTotalOnce"},
+    {"vspsSum_??f*", "Sums.FloatSumsAndMeansRoundTheExactTotalOnce"},
+    {"vspsMean_??f*", "Sums.FloatSumsAndMeansRoundTheExactTotalOnce"},
+    {"vspsMean_*_Sfs", "Sums.IntegerMeansFollowTheirScalingRule"},
     {"vsps*StdDev_*", "Sums.DeviationsAgreeWithTwoPassReferences"},
-    {"vspsNorm_*", "Norms.FloatNormsAgreeWithExtendedReferences"},
-    {"vspsNormDiff_*", "Norms.FloatNormsAgreeWithExtendedReferences"},
-    {"vspsDotProd_*", "DotProducts.FloatAndDoubleResultsAgreeWithExtendedReferences"},
+    {"vspsNorm*_32f", "Norms.FloatNormsAgreeWithExtendedReferences"},
+    {"vspsNorm*_64f", "Norms.FloatNormsAgreeWithExtendedReferences"},
+    {"vspsNorm*_?4fc*", "Norms.FloatNormsAgreeWithExtendedReferences"},
+    {"vspsNorm*_?2fc*", "Norms.FloatNormsAgreeWithExtendedReferences"},
+    {"vspsNorm*_L2_16s32s_Sfs", "Norms.IntegerL2NormsRoundTheirRoot"},
+    {"vspsDotProd_??f*", "DotProducts.FloatAndDoubleResultsAgreeWithExtendedReferences"},
     {"vspsMax_*", "Extremes.ValuesAndFirstIndices"},
     {"vspsMin_*", "Extremes.ValuesAndFirstIndices"},
     {"vspsMaxIndx_*", "Extremes.ValuesAndFirstIndices"},

@@ -66,7 +66,7 @@ struct In {
   W xr;                          // the source element at the mirrored index n - 1 - i
   int scale = 0;                 // scaleFactor (0 when the export has none)
   const ElemType* src = nullptr;  // type of x
-  std::vector<std::pair<std::string, W>> params;  // the other numeric arguments
+  const std::vector<std::pair<std::string, W>>* params = nullptr;  // the other numeric arguments
   W Param(const std::string& name) const;
   Q P(const std::string& name) const { return Param(name).re; }
   // Rounds v to the precision of the source's parts (identity for integers): the formula
@@ -82,7 +82,7 @@ using RefFn = std::function<W(const In&)>;
 
 struct RefRow {
   const char* pattern;   // glob over export names
-  RefFn ref;
+  RefFn ref = nullptr;
   double ulps = 0;       // allowed distance of float results, in units of the result's last place
   std::vector<std::string> settings = {""};  // each is one run of the sweep
   // The status a call gives: warn(in) true for one element makes the call return warnStatus.
@@ -93,6 +93,9 @@ struct RefRow {
   bool ownScale = false;  // the reference applies scaleFactor itself
   const char* srcType = nullptr;  // element code of the sources where the declaration says Vsp8u ("24s")
   const char* dstType = nullptr;  // likewise of the destination
+  // Reductions: the one result from every element's inputs (the export's one non-const pointer
+  // besides the sources receives it); `ref` is unused then.
+  std::function<W(const std::vector<In>&)> reduce = nullptr;
 };
 
 std::vector<RefRow>& AllRefRows();
