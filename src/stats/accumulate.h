@@ -80,9 +80,11 @@ struct Accumulators {
   // Adds x to accumulator j of quantity k.
   void Add(int k, int j, hw::Vec<B> x) { a[k][j] = hw::Add(a[k][j], x); }
   // The pairwise fold of quantity k: (a0 + a1) + (a2 + a3), and so on for more accumulators.
-  hw::Vec<B> Fold(int k) const {
+  // (The fold takes the row alone, so that its code does not depend on kSums.)
+  hw::Vec<B> Fold(int k) const { return FoldRow(a[k]); }
+  static hw::Vec<B> FoldRow(const hw::Vec<B> (&row)[kAcc]) {
     hw::Vec<B> v[kAcc];
-    for (int j = 0; j < kAcc; ++j) v[j] = a[k][j];
+    for (int j = 0; j < kAcc; ++j) v[j] = row[j];
     for (int width = kAcc; width > 1; width /= 2)
       for (int j = 0; j < width / 2; ++j) v[j] = hw::Add(v[2 * j], v[2 * j + 1]);
     return v[0];

@@ -48,7 +48,9 @@ VSP_CHECK_RULES(kLogicRules)({
     {"vsps?ShiftC_???", "", kShiftCountsOut},
     {"vsps*C_?u", "", kZeroConstantOut},
     {"vsps*C_??u", "", kZeroConstantOut},
-    {"vsps*C_*_I", "", kZeroConstantIn},
+    {"vsps*C_?u_I", "", kZeroConstantIn},
+    {"vsps*C_??u_I", "", kZeroConstantIn},
+    {"vsps?ShiftC_*_I", "", kZeroConstantIn},
 });
 
 VSP_CHECK_RULES(kThresholdRules)({

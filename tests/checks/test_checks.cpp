@@ -117,6 +117,8 @@ class Call {
     return {};
   }
 
+  // Points argument `name` at memory outside the harness's buffers (a fixture's block).
+  void Point(const char* name, const void* p) { cells_[e_.IndexOf(name)].Set(const_cast<void*>(p)); }
   int Invoke() { return e_.invoke(e_.fn, cells_.data()); }
   std::vector<std::vector<unsigned char>> Snapshot() const { return bufs_; }
   // Names of the buffers that differ from a snapshot.
@@ -164,6 +166,7 @@ struct Plan {
   std::string defaults;
   std::vector<CheckCase> cases;  // in order: generic ones (possibly replaced), then added ones
   const char* coveredBy = nullptr;
+  BlockFixture fixture;
 };
 
 Plan MakePlan(const Export& e) {
@@ -191,6 +194,7 @@ Plan MakePlan(const Export& e) {
   for (const CheckRule& r : AllCheckRules()) {
     if (!GlobMatch(r.pattern, e.name)) continue;
     if (r.coveredBy) plan.coveredBy = r.coveredBy;
+    if (r.fixture) plan.fixture = r.fixture;
     if (!r.defaults.empty()) plan.defaults += " " + r.defaults;
     for (const CheckCase& c : r.cases) {
       bool replaced = false;
@@ -222,6 +226,7 @@ TEST_P(ArgumentChecks, OrderAndUntouchedOutputs) {
 
   {
     Call valid(e);
+    if (plan.fixture) valid.Point(plan.fixture.arg, plan.fixture.make());
     std::string err = valid.Apply(plan.defaults);
     ASSERT_TRUE(err.empty()) << err;
     int st = valid.Invoke();
@@ -229,6 +234,7 @@ TEST_P(ArgumentChecks, OrderAndUntouchedOutputs) {
   }
   for (const CheckCase& c : plan.cases) {
     Call call(e);
+    if (plan.fixture) call.Point(plan.fixture.arg, plan.fixture.make());
     std::string err = call.Apply(plan.defaults);
     if (err.empty()) err = call.Apply(c.settings);
     ASSERT_TRUE(err.empty()) << err;

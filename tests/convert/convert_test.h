@@ -1,7 +1,6 @@
-// Shared pieces of the conversion and logic tests: references written from the documented
-// formulas in wide arithmetic (long double holds every 64-bit integer and every float and double
-// exactly, so src * 2^-s is exact before the one rounding under test), packed 24-bit samples as
-// the tests see them, and the sweep over lengths and start offsets.
+// Shared pieces of the half-precision and complex-threshold tests: references in wide arithmetic
+// (long double holds every float and 16-bit integer exactly, so src * 2^-s is exact before the
+// one rounding under test) and the sweep over lengths and start offsets.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -23,18 +22,6 @@ namespace vsptest {
 template <class T>
 using BitsOfType = std::conditional_t<sizeof(T) == 4, Vsp32u, Vsp64u>;
 
-// A packed 24-bit sample, least significant byte first.
-struct Sample24 {
-  Vsp8u b[3];
-};
-inline long long Value24(const Sample24& s, bool isSigned) {
-  long long u = s.b[0] | (s.b[1] << 8) | (s.b[2] << 16);
-  return isSigned && u >= (1 << 23) ? u - (1 << 24) : u;
-}
-inline Sample24 Make24(long long v) {
-  return {{static_cast<Vsp8u>(v), static_cast<Vsp8u>(v >> 8), static_cast<Vsp8u>(v >> 16)}};
-}
-
 inline std::vector<int> SweepLengths() {
   std::vector<int> lens;
   for (int n = 1; n <= 70; ++n) lens.push_back(n);
@@ -52,15 +39,6 @@ inline long double RoundRef(long double v, int mode) {
   if (mode == 0) return std::trunc(v);
   if (mode == 1) return std::nearbyint(v);
   return std::round(v);
-}
-
-// An integral (or infinite) value saturated to D; NaN gives 0.
-template <class D>
-D SaturateRef(long double v) {
-  if (std::isnan(v)) return 0;
-  if (v <= static_cast<long double>(std::numeric_limits<D>::lowest())) return std::numeric_limits<D>::lowest();
-  if (v >= static_cast<long double>(std::numeric_limits<D>::max())) return std::numeric_limits<D>::max();
-  return static_cast<D>(v);
 }
 
 // Float or integer source to integer destination D in [lo, hi]: round(x * 2^-s) by mode, saturated.
@@ -145,11 +123,6 @@ T RandomFloat(Rng& rng) {
     }
     default: return static_cast<T>(rng.Uniform(-4, 4));
   }
-}
-
-template <class T>
-T RandomInt(Rng& rng) {
-  return static_cast<T>(rng.Bits() >> (rng.Int(0, 1) ? 0 : rng.Int(0, 63)));
 }
 
 }  // namespace vsptest

@@ -208,81 +208,39 @@ TEST(FftInterface, InitCheckOrder) {
   });
 }
 
-// Spec null, then the identifier (-17 for every foreign kind), then the data pointers, then the
-// work buffer when the spec needs one; nothing written on error; NULL work accepted otherwise.
+// A foreign spec (another kind or precision) is -17 before the data pointers are looked at; a
+// spec that needs no work buffer accepts NULL for it. (Null pointers in order, with untouched
+// outputs, are the argument-check harness's cases on real specs.)
 TEST(FftInterface, TransformCheckOrder) {
   ForEachType(Precisions{}, []<class T>() {
     using F = Fft<T>;
     using Tc = typename F::Tc;
-    for (int order : {3, 8}) {
-      SCOPED_TRACE(std::string(TypeName<T>()) + " order " + std::to_string(order));
-      Built<T> c = Build<T>(kComplex, order, 1), s = Build<T>(kSplit, order, 1), r = Build<T>(kReal, order, 1);
-      Built<Vsp32f> f32 = Build<Vsp32f>(kReal, order, 1);
-      Built<Vsp64f> f64 = Build<Vsp64f>(kComplex, order, 1);
-      const void* other = sizeof(T) == 8 ? f32.p : f64.p;  // a spec of the other precision
-      const size_t n = size_t{1} << order;
-      std::vector<T> src(2 * n + 2, T(1)), dst(2 * n + 2, T(7)), dst2(2 * n + 2, T(7));
-      const std::vector<T> canary = dst;
-      Vsp8u* w = c.Work();
-      const bool needsWork = c.sizes[2] > 0;
-      auto* cs = reinterpret_cast<const Tc*>(src.data());
-      auto* cd = reinterpret_cast<Tc*>(dst.data());
-      using SC = const typename F::SpecC*;
-      using SS = const typename F::SpecS*;
-      using SR = const typename F::SpecR*;
-      for (auto fn : {F::FwdC, F::InvC}) {
-        EXPECT_EQ(fn(nullptr, nullptr, nullptr, nullptr), vspStatNullPtr);
-        EXPECT_EQ(fn(nullptr, nullptr, static_cast<SC>(s.p), w), vspStatBadContext);
-        EXPECT_EQ(fn(cs, cd, static_cast<SC>(r.p), w), vspStatBadContext);
-        EXPECT_EQ(fn(cs, cd, static_cast<SC>(other), w), vspStatBadContext);
-        EXPECT_EQ(fn(nullptr, cd, static_cast<SC>(c.p), w), vspStatNullPtr);
-        EXPECT_EQ(fn(cs, nullptr, static_cast<SC>(c.p), w), vspStatNullPtr);
-        EXPECT_EQ(fn(cs, cd, static_cast<SC>(c.p), nullptr), needsWork ? vspStatNullPtr : vspStatOk);
-        if (needsWork) {
-          EXPECT_EQ(dst, canary);
-        }
+    using SC = const typename F::SpecC*;
+    using SS = const typename F::SpecS*;
+    using SR = const typename F::SpecR*;
+    Built<T> c = Build<T>(kComplex, 3, 1), s = Build<T>(kSplit, 3, 1), r = Build<T>(kReal, 3, 1);
+    Built<Vsp32f> f32 = Build<Vsp32f>(kReal, 3, 1);
+    Built<Vsp64f> f64 = Build<Vsp64f>(kComplex, 3, 1);
+    const void* other = sizeof(T) == 8 ? f32.p : f64.p;  // a spec of the other precision
+    std::vector<T> src(18, T(1)), dst(18, T(7)), dst2(18, T(7));
+    auto* cs = reinterpret_cast<const Tc*>(src.data());
+    auto* cd = reinterpret_cast<Tc*>(dst.data());
+    for (auto fn : {F::FwdC, F::InvC}) {
+      for (const void* foreign : {s.p, r.p, other}) EXPECT_EQ(fn(nullptr, nullptr, static_cast<SC>(foreign), nullptr), vspStatBadContext);
+      EXPECT_EQ(fn(cs, cd, static_cast<SC>(c.p), nullptr), vspStatOk);
+    }
+    for (auto fn : {F::FwdCI, F::InvCI}) EXPECT_EQ(fn(nullptr, static_cast<SC>(s.p), nullptr), vspStatBadContext);
+    for (auto fn : {F::FwdS, F::InvS}) {
+      EXPECT_EQ(fn(nullptr, nullptr, nullptr, nullptr, static_cast<SS>(c.p), nullptr), vspStatBadContext);
+      EXPECT_EQ(fn(src.data(), src.data(), dst.data(), dst2.data(), static_cast<SS>(s.p), nullptr), vspStatOk);
+    }
+    for (auto fn : {F::FwdSI, F::InvSI}) EXPECT_EQ(fn(nullptr, nullptr, static_cast<SS>(r.p), nullptr), vspStatBadContext);
+    for (int lay = 0; lay < 3; ++lay) {
+      for (auto fn : {F::FwdR[lay], F::InvR[lay]}) {
+        for (const void* foreign : {c.p, other}) EXPECT_EQ(fn(nullptr, nullptr, static_cast<SR>(foreign), nullptr), vspStatBadContext);
+        EXPECT_EQ(fn(src.data(), dst.data(), static_cast<SR>(r.p), nullptr), vspStatOk);
       }
-      for (auto fn : {F::FwdCI, F::InvCI}) {
-        EXPECT_EQ(fn(nullptr, nullptr, w), vspStatNullPtr);
-        EXPECT_EQ(fn(nullptr, static_cast<SC>(s.p), w), vspStatBadContext);
-        EXPECT_EQ(fn(nullptr, static_cast<SC>(c.p), w), vspStatNullPtr);
-      }
-      dst = canary;
-      for (auto fn : {F::FwdS, F::InvS}) {
-        EXPECT_EQ(fn(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), vspStatNullPtr);
-        EXPECT_EQ(fn(src.data(), src.data(), dst.data(), dst2.data(), static_cast<SS>(c.p), w), vspStatBadContext);
-        EXPECT_EQ(fn(src.data(), nullptr, dst.data(), dst2.data(), static_cast<SS>(s.p), w), vspStatNullPtr);
-        EXPECT_EQ(fn(src.data(), src.data(), dst.data(), nullptr, static_cast<SS>(s.p), w), vspStatNullPtr);
-        EXPECT_EQ(fn(src.data(), src.data(), dst.data(), dst2.data(), static_cast<SS>(s.p), nullptr),
-                  needsWork ? vspStatNullPtr : vspStatOk);
-        if (needsWork) {
-          EXPECT_EQ(dst, canary);
-        }
-      }
-      for (auto fn : {F::FwdSI, F::InvSI}) {
-        EXPECT_EQ(fn(nullptr, nullptr, static_cast<SS>(r.p), w), vspStatBadContext);
-        EXPECT_EQ(fn(dst.data(), nullptr, static_cast<SS>(s.p), w), vspStatNullPtr);
-      }
-      dst = canary;
-      const bool realWork = r.sizes[2] > 0;
-      for (int lay = 0; lay < 3; ++lay)
-        for (auto fn : {F::FwdR[lay], F::InvR[lay]}) {
-          EXPECT_EQ(fn(nullptr, nullptr, nullptr, nullptr), vspStatNullPtr);
-          EXPECT_EQ(fn(nullptr, nullptr, static_cast<SR>(c.p), r.Work()), vspStatBadContext);
-          EXPECT_EQ(fn(src.data(), dst.data(), static_cast<SR>(other), r.Work()), vspStatBadContext);
-          EXPECT_EQ(fn(nullptr, dst.data(), static_cast<SR>(r.p), r.Work()), vspStatNullPtr);
-          EXPECT_EQ(fn(src.data(), nullptr, static_cast<SR>(r.p), r.Work()), vspStatNullPtr);
-          EXPECT_EQ(fn(src.data(), dst.data(), static_cast<SR>(r.p), nullptr), realWork ? vspStatNullPtr : vspStatOk);
-          if (realWork) {
-            EXPECT_EQ(dst, canary);
-          }
-        }
-      for (int lay = 0; lay < 3; ++lay)
-        for (auto fn : {F::FwdRI[lay], F::InvRI[lay]}) {
-          EXPECT_EQ(fn(nullptr, nullptr, nullptr), vspStatNullPtr);
-          EXPECT_EQ(fn(nullptr, static_cast<SR>(s.p), nullptr), vspStatBadContext);
-          EXPECT_EQ(fn(nullptr, static_cast<SR>(r.p), r.Work()), vspStatNullPtr);
-        }
+      for (auto fn : {F::FwdRI[lay], F::InvRI[lay]}) EXPECT_EQ(fn(nullptr, static_cast<SR>(s.p), nullptr), vspStatBadContext);
     }
   });
 }

@@ -1,7 +1,6 @@
 // The radix sorts against a stable sort of keys built from the definition of the key order, the
 // index forms over positive, negative and unaligned strides, work buffers of exactly the
-// reported size at any alignment, the buffer sizes, and the argument checks of the members whose
-// buffers the generic harness cannot hold.
+// reported size at any alignment, and the buffer sizes.
 #include <gtest/gtest.h>
 
 #include <numeric>
@@ -285,62 +284,6 @@ TEST(SortRadixBufferSize, SizesBeyondTheCountType) {
   EXPECT_EQ(l, 7);
   ASSERT_EQ(vspsSortRadixGetBufferSize_L((1LL << 61) - 20480, vsp32s, &l), vspStatOk);
   EXPECT_EQ(l, 0x7FFFFFFFFFFFFFFFLL - 40959);
-}
-
-// ---- argument checks of the members the generic harness skips ---------------------------------
-
-// Runs `call` on fresh buffers holding canaries and expects `want` with every buffer unchanged.
-template <class Call>
-void ExpectRefused(VspStatus want, const std::vector<std::vector<Vsp8u>*>& bufs, Call call, const std::string& what) {
-  std::vector<std::vector<Vsp8u>> before;
-  for (auto* b : bufs) before.push_back(*b);
-  EXPECT_EQ(call(), want) << what;
-  for (size_t i = 0; i < bufs.size(); ++i) EXPECT_EQ(*bufs[i], before[i]) << what << ": buffer " << i << " written";
-}
-
-TEST(SortRadixChecks, OrderAndUntouchedOutputs) {
-  constexpr int kLen = 17;
-  ForEachType(RadixMembers{}, []<class M>() {
-    using T = typename M::T;
-    std::vector<Vsp8u> data(kLen * sizeof(T)), buf(static_cast<size_t>(BufferSize<typename M::Len>(kLen, M::kType, false)));
-    Rng(31).FillBytes(data.data(), data.size());
-    Rng(32).FillBytes(buf.data(), buf.size());
-    T* p = reinterpret_cast<T*>(data.data());
-    for (int desc = 0; desc < 2; ++desc) {
-      const std::string name = std::string(M::kName) + (desc ? " desc" : " asc");
-      auto run = [&](T* v, long long n, Vsp8u* b) { return [=] { return M::Sort(desc, v, static_cast<typename M::Len>(n), b); }; };
-      ExpectRefused(vspStatNullPtr, {&data, &buf}, run(nullptr, kLen, buf.data()), name + " pSrcDst null");
-      ExpectRefused(vspStatNullPtr, {&data, &buf}, run(p, kLen, nullptr), name + " pBuffer null");
-      ExpectRefused(vspStatNullPtr, {&data, &buf}, run(nullptr, 0, buf.data()), name + " null, len 0");
-      ExpectRefused(vspStatBadSize, {&data, &buf}, run(p, 0, buf.data()), name + " len 0");
-      ExpectRefused(vspStatBadSize, {&data, &buf}, run(p, -1, buf.data()), name + " len -1");
-      EXPECT_EQ(run(p, kLen, buf.data())(), vspStatOk) << name;
-    }
-  });
-  ForEachType(RadixIndexMembers{}, []<class M>() {
-    using T = typename M::T;
-    using Len = typename M::Len;
-    std::vector<Vsp8u> keys(kLen * sizeof(T)), idx(kLen * sizeof(Len)), buf(static_cast<size_t>(BufferSize<Len>(kLen, M::kType, true)));
-    Rng(33).FillBytes(keys.data(), keys.size());
-    Rng(34).FillBytes(idx.data(), idx.size());
-    const T* k = reinterpret_cast<const T*>(keys.data());
-    Len* ix = reinterpret_cast<Len*>(idx.data());
-    const Len s = sizeof(T);
-    for (int desc = 0; desc < 2; ++desc) {
-      const std::string name = std::string(M::kName) + (desc ? " desc" : " asc");
-      auto run = [&](const T* src, Len stride, Len* out, Len n, Vsp8u* b) { return [=] { return M::Sort(desc, src, stride, out, n, b); }; };
-      const std::vector<std::vector<Vsp8u>*> all = {&keys, &idx, &buf};
-      ExpectRefused(vspStatNullPtr, all, run(nullptr, s, ix, kLen, buf.data()), name + " pSrc null");
-      ExpectRefused(vspStatNullPtr, all, run(k, s, nullptr, kLen, buf.data()), name + " pDstIndx null");
-      ExpectRefused(vspStatNullPtr, all, run(k, s, ix, kLen, nullptr), name + " pBuffer null");
-      ExpectRefused(vspStatNullPtr, all, run(nullptr, 0, ix, 0, buf.data()), name + " pSrc null, len 0, stride 0");
-      ExpectRefused(vspStatBadSize, all, run(k, s, ix, 0, buf.data()), name + " len 0");
-      ExpectRefused(vspStatBadSize, all, run(k, s, ix, -1, buf.data()), name + " len -1");
-      for (Len bad : {Len{0}, static_cast<Len>(s - 1), static_cast<Len>(1 - s)})
-        ExpectRefused(vspStatBadSize, all, run(k, bad, ix, kLen, buf.data()), name + " stride " + std::to_string(bad));
-      EXPECT_EQ(run(k, s, ix, kLen, buf.data())(), vspStatOk) << name;
-    }
-  });
 }
 
 }  // namespace

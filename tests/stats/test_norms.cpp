@@ -98,20 +98,9 @@ VSP_NORM_FNS(64f, 64f, 64f) VSP_NORM_FNS(32fc, 32f, 64f) VSP_NORM_FNS(64fc, 64f,
   });
 }
 
-// Exact integer norms of 16s data: Inf, L1 and L2 (square of L2) in 64 bits.
-struct IntNorms {
-  unsigned long long inf = 0, l1 = 0, sq = 0;
-};
-IntNorms RefIntNorms(const Vsp16s* x, const Vsp16s* y, int n) {
-  IntNorms r;
-  for (int i = 0; i < n; ++i) {
-    unsigned long long m = static_cast<unsigned long long>(std::llabs(static_cast<long long>(x[i]) - (y ? y[i] : 0)));
-    r.inf = std::max(r.inf, m), r.l1 += m, r.sq += m * m;
-  }
-  return r;
-}
-
-TEST(Norms, IntegerNormsAreExactAndScaled) {
+// The root of the exact squared L2 norm of 16s data, scaled and rounded (the other integer norms
+// are reference rows of the argument checks); values within 1e-15 of a tie are not decided.
+TEST(Norms, IntegerL2NormsRoundTheirRoot) {
   Rng rng(63);
   for (int n : {1, 7, 8, 9, 31, 64, 1000, 70001}) {
     for (int kind = 0; kind < 3; ++kind) {
@@ -121,39 +110,17 @@ TEST(Norms, IntegerNormsAreExactAndScaled) {
         b[i] = kind == 0 ? 32767 : kind == 1 ? static_cast<Vsp16s>(rng.Int(-32768, 32767)) : a[i];
       }
       for (int diff = 0; diff < 2; ++diff) {
-        const IntNorms ref = RefIntNorms(a.data(), diff ? b.data() : nullptr, n);
-        SCOPED_TRACE("len " + std::to_string(n) + " kind " + std::to_string(kind) + (diff ? " diff" : ""));
-        Vsp32f f[3];
-        ASSERT_EQ(diff ? vspsNormDiff_Inf_16s32f(a.data(), b.data(), n, f) : vspsNorm_Inf_16s32f(a.data(), n, f),
-                  vspStatOk);
-        ASSERT_EQ(diff ? vspsNormDiff_L1_16s32f(a.data(), b.data(), n, f + 1) : vspsNorm_L1_16s32f(a.data(), n, f + 1),
-                  vspStatOk);
-        ASSERT_EQ(diff ? vspsNormDiff_L2_16s32f(a.data(), b.data(), n, f + 2) : vspsNorm_L2_16s32f(a.data(), n, f + 2),
-                  vspStatOk);
-        EXPECT_EQ(f[0], static_cast<Vsp32f>(ref.inf));
-        EXPECT_EQ(f[1], static_cast<Vsp32f>(ref.l1));
-        EXPECT_NEAR(f[2], std::sqrt(static_cast<double>(ref.sq)), 6e-8 * std::sqrt(static_cast<double>(ref.sq)));
+        unsigned long long sq = 0;
+        for (int i = 0; i < n; ++i) {
+          const long long m = static_cast<long long>(a[i]) - (diff ? b[i] : 0);
+          sq += static_cast<unsigned long long>(m * m);
+        }
         for (int sf = -40; sf <= 40; ++sf) {
-          Vsp32s r[3];
-          Vsp64s sq;
-          ASSERT_EQ(diff ? vspsNormDiff_Inf_16s32s_Sfs(a.data(), b.data(), n, r, sf)
-                         : vspsNorm_Inf_16s32s_Sfs(a.data(), n, r, sf),
-                    vspStatOk);
-          ASSERT_EQ(diff ? vspsNormDiff_L1_16s32s_Sfs(a.data(), b.data(), n, r + 1, sf)
-                         : vspsNorm_L1_16s32s_Sfs(a.data(), n, r + 1, sf),
-                    vspStatOk);
-          ASSERT_EQ(diff ? vspsNormDiff_L2_16s32s_Sfs(a.data(), b.data(), n, r + 2, sf)
-                         : vspsNorm_L2_16s32s_Sfs(a.data(), n, r + 2, sf),
-                    vspStatOk);
-          ASSERT_EQ(diff ? vspsNormDiff_L2Sqr_16s64s_Sfs(a.data(), b.data(), n, &sq, sf)
-                         : vspsNorm_L2Sqr_16s64s_Sfs(a.data(), n, &sq, sf),
-                    vspStatOk);
-          ASSERT_EQ(r[0], RefRound<Vsp32s>(std::ldexp(static_cast<long double>(ref.inf), -sf))) << sf;
-          ASSERT_EQ(r[1], RefRound<Vsp32s>(std::ldexp(static_cast<long double>(ref.l1), -sf))) << sf;
-          ASSERT_EQ(sq, RefRound<Vsp64s>(std::ldexp(static_cast<long double>(ref.sq), -sf))) << sf;
-          const long double l2 = std::ldexp(std::sqrt(static_cast<long double>(ref.sq)), -sf);
+          Vsp32s r;
+          ASSERT_EQ(diff ? vspsNormDiff_L2_16s32s_Sfs(a.data(), b.data(), n, &r, sf) : vspsNorm_L2_16s32s_Sfs(a.data(), n, &r, sf), vspStatOk);
+          const long double l2 = std::ldexp(std::sqrt(static_cast<long double>(sq)), -sf);
           if (!NearHalf(l2, 1e-15L)) {
-            ASSERT_EQ(r[2], RefRound<Vsp32s>(l2)) << sf;
+            ASSERT_EQ(r, RefRound<Vsp32s>(l2)) << "len " << n << " kind " << kind << " diff " << diff << " sf " << sf;
           }
         }
       }
@@ -218,67 +185,6 @@ TEST(DotProducts, FloatAndDoubleResultsAgreeWithExtendedReferences) {
       EXPECT_NEAR(dc.im, static_cast<double>(mcd.imag()), td);
     }
   }
-}
-
-TEST(DotProducts, IntegerResultsAreExactThenScaled) {
-  Rng rng(67);
-  for (int n : {1, 3, 4, 5, 8, 9, 33, 1000, 65537}) {
-    for (int kind = 0; kind < 3; ++kind) {
-      GuardedVec<Vsp16s> a(2 * n, 2 * (n % 8)), b(2 * n, 2 * ((n + 1) % 8));
-      GuardedVec<Vsp32s> w(n, 4 * (n % 4)), z(n, 0);
-      for (int i = 0; i < 2 * n; ++i) {
-        a[i] = kind == 0 ? -32768 : static_cast<Vsp16s>(rng.Int(-32768, 32767));
-        b[i] = kind == 0 ? -32768 : kind == 1 ? 32767 : static_cast<Vsp16s>(rng.Int(-32768, 32767));
-      }
-      for (int i = 0; i < n; ++i) {
-        w[i] = kind == 0 ? -2147483647 - 1 : static_cast<Vsp32s>(rng.Int(-(1LL << 31), (1LL << 31) - 1));
-        z[i] = kind == 0 ? -2147483647 - 1 : static_cast<Vsp32s>(rng.Int(-(1LL << 31), (1LL << 31) - 1));
-      }
-      long long s = 0, re = 0, im = 0;
-      __int128 s32 = 0;
-      for (int i = 0; i < n; ++i) {
-        s += static_cast<long long>(a[i]) * b[i];
-        s32 += static_cast<__int128>(static_cast<long long>(w[i]) * z[i]);
-        re += static_cast<long long>(a[2 * i]) * b[2 * i] - static_cast<long long>(a[2 * i + 1]) * b[2 * i + 1];
-        im += static_cast<long long>(a[2 * i]) * b[2 * i + 1] + static_cast<long long>(a[2 * i + 1]) * b[2 * i];
-      }
-      SCOPED_TRACE("len " + std::to_string(n) + " kind " + std::to_string(kind));
-      const auto* ac = reinterpret_cast<const Vsp16sc*>(a.data());
-      const auto* bc = reinterpret_cast<const Vsp16sc*>(b.data());
-      Vsp64s r64;
-      Vsp32f r32f;
-      Vsp32fc rc;
-      ASSERT_EQ(vspsDotProd_16s64s(a.data(), b.data(), n, &r64), vspStatOk);
-      EXPECT_EQ(r64, s);
-      ASSERT_EQ(vspsDotProd_16s32f(a.data(), b.data(), n, &r32f), vspStatOk);
-      EXPECT_EQ(r32f, static_cast<Vsp32f>(s));
-      ASSERT_EQ(vspsDotProd_16sc32fc(ac, bc, n, &rc), vspStatOk);
-      EXPECT_EQ(rc.re, static_cast<Vsp32f>(re));
-      EXPECT_EQ(rc.im, static_cast<Vsp32f>(im));
-      for (int sf = -40; sf <= 40; ++sf) {
-        Vsp16s r16;
-        Vsp32s r32;
-        Vsp16sc c16;
-        ASSERT_EQ(vspsDotProd_16s_Sfs(a.data(), b.data(), n, &r16, sf), vspStatOk);
-        ASSERT_EQ(r16, RefRound<Vsp16s>(std::ldexp(static_cast<long double>(s), -sf))) << sf;
-        ASSERT_EQ(vspsDotProd_16s32s_Sfs(a.data(), b.data(), n, &r32, sf), vspStatOk);
-        ASSERT_EQ(r32, RefRound<Vsp32s>(std::ldexp(static_cast<long double>(s), -sf))) << sf;
-        ASSERT_EQ(vspsDotProd_16sc_Sfs(ac, bc, n, &c16, sf), vspStatOk);
-        ASSERT_EQ(c16.re, RefRound<Vsp16s>(std::ldexp(static_cast<long double>(re), -sf))) << sf;
-        ASSERT_EQ(c16.im, RefRound<Vsp16s>(std::ldexp(static_cast<long double>(im), -sf))) << sf;
-        // 128-bit sums: long double holds them exactly while they stay below 2^64.
-        if (s32 < (static_cast<__int128>(1) << 63) && s32 > -(static_cast<__int128>(1) << 63)) {
-          ASSERT_EQ(vspsDotProd_32s_Sfs(w.data(), z.data(), n, &r32, sf), vspStatOk);
-          ASSERT_EQ(r32, RefRound<Vsp32s>(std::ldexp(static_cast<long double>(s32), -sf))) << sf;
-        }
-      }
-    }
-  }
-  // Four products of (-2^31)^2: 2^64, beyond 64 bits, scaled back into range.
-  const Vsp32s m[4] = {-2147483647 - 1, -2147483647 - 1, -2147483647 - 1, -2147483647 - 1};
-  Vsp32s r;
-  ASSERT_EQ(vspsDotProd_32s_Sfs(m, m, 4, &r, 40), vspStatOk);
-  EXPECT_EQ(r, 1 << 24);
 }
 
 }  // namespace

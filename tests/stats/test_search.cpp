@@ -1,6 +1,4 @@
-// FindNearest against a brute-force search, CountInRange and ZeroCrossing against loops,
-// ReplaceNAN and Normalize element by element (every length and offset), the scaled Normalize
-// against an extended-precision quotient.
+// FindNearest against a brute-force search, CountInRange and ZeroCrossing against loops.
 #include <gtest/gtest.h>
 
 #include "stats_support.h"
@@ -83,88 +81,6 @@ TEST(Search, ZeroCrossingMeasures) {
       ASSERT_EQ(rf, RefCrossings(f.data(), n, type)) << "32f len " << n << " type " << type;
     }
   }
-}
-
-VspStatus NormalizeReal(const Vsp32f* s, Vsp32f* d, int n) { return vspsNormalize_32f(s, d, n, 1.25f, -0.3f); }
-VspStatus NormalizeReal(const Vsp64f* s, Vsp64f* d, int n) { return vspsNormalize_64f(s, d, n, 1.25, -0.3); }
-VspStatus ReplaceNan(Vsp32f* p, int n) { return vspsReplaceNAN_32f_I(p, n, 7.0f); }
-VspStatus ReplaceNan(Vsp64f* p, int n) { return vspsReplaceNAN_64f_I(p, n, 7.0); }
-
-TEST(Search, ReplaceNanAndNormalizeElementByElement) {
-  Rng rng(77);
-  ForEachType(TypeList<Vsp32f, Vsp64f>{}, [&]<class T>() {
-    for (int n : StatLengths()) {
-      for (size_t off : StatOffsets<T>()) {
-        GuardedVec<T> v(n, off), d(n, StatOffsets<T>().back() - off);
-        for (int i = 0; i < n; ++i) {
-          const int k = static_cast<int>(rng.Int(0, 5));
-          v[i] = k == 0   ? -std::numeric_limits<T>::quiet_NaN()
-                 : k == 1 ? std::numeric_limits<T>::infinity()
-                          : static_cast<T>(rng.Uniform(-9, 9));
-        }
-        std::vector<T> orig(v.data(), v.data() + n);
-        const T sub = static_cast<T>(1.25), div = static_cast<T>(-0.3);
-        ASSERT_EQ(NormalizeReal(v.data(), d.data(), n), vspStatOk);
-        for (int i = 0; i < n; ++i)
-          ASSERT_TRUE(SameBits(d[i], static_cast<T>((orig[i] - sub) / div)) || (d[i] != d[i] && orig[i] != orig[i]))
-              << i;
-        ASSERT_EQ(ReplaceNan(v.data(), n), vspStatOk);
-        for (int i = 0; i < n; ++i) ASSERT_TRUE(SameBits(v[i], orig[i] != orig[i] ? T(7) : orig[i])) << i;
-        ASSERT_TRUE(v.OutsideIntact() && d.OutsideIntact());
-      }
-    }
-  });
-  // Complex: each part less its part of vSub, divided by the real vDiv; in place.
-  for (int n : {1, 2, 3, 17}) {
-    std::vector<Vsp32fc> c(n);
-    std::vector<Vsp64fc> z(n);
-    for (int i = 0; i < n; ++i) c[i] = {static_cast<Vsp32f>(i), static_cast<Vsp32f>(-i)}, z[i] = {1.0 * i, 2.0 * i};
-    std::vector<Vsp32fc> c0 = c;
-    ASSERT_EQ(vspsNormalize_32fc(c.data(), c.data(), n, {1.0f, -2.0f}, 3.0f), vspStatOk);
-    ASSERT_EQ(vspsNormalize_64fc(z.data(), z.data(), n, {0.5, 0.25}, 0.5), vspStatOk);
-    for (int i = 0; i < n; ++i) {
-      EXPECT_EQ(c[i].re, (c0[i].re - 1.0f) / 3.0f);
-      EXPECT_EQ(c[i].im, (c0[i].im + 2.0f) / 3.0f);
-      EXPECT_EQ(z[i].re, (1.0 * i - 0.5) / 0.5);
-      EXPECT_EQ(z[i].im, (2.0 * i - 0.25) / 0.5);
-    }
-  }
-}
-
-TEST(Search, ScaledNormalizeRoundsTheExactQuotient) {
-  Rng rng(79);
-  const int n = 67;
-  std::vector<Vsp16s> v(2 * n), d(2 * n);
-  for (auto& x : v) x = static_cast<Vsp16s>(rng.Int(-32768, 32767));
-  v[0] = -32768, v[1] = 32767, v[2] = 3, v[3] = 5;
-  for (int vDiv : {1, -1, 2, 3, -7, 1000, 2147483647}) {
-    for (int sf = -20; sf <= 20; ++sf) {
-      const Vsp16s sub = 17;
-      const Vsp16sc subc = {-5, 9};
-      ASSERT_EQ(vspsNormalize_16s_Sfs(v.data(), d.data(), 2 * n, sub, vDiv, sf), vspStatOk);
-      for (int i = 0; i < 2 * n; ++i) {
-        const long double q = std::ldexp(static_cast<long double>(v[i] - sub), -sf) / vDiv;
-        if (!NearHalf(q, 1e-15L)) {
-          ASSERT_EQ(d[i], RefRound<Vsp16s>(q)) << v[i] << " / " << vDiv << " sf " << sf;
-        }
-      }
-      ASSERT_EQ(vspsNormalize_16sc_Sfs(reinterpret_cast<const Vsp16sc*>(v.data()), reinterpret_cast<Vsp16sc*>(d.data()),
-                                       n, subc, vDiv, sf),
-                vspStatOk);
-      for (int i = 0; i < 2 * n; ++i) {
-        const long double q = std::ldexp(static_cast<long double>(v[i] - (i % 2 ? subc.im : subc.re)), -sf) / vDiv;
-        if (!NearHalf(q, 1e-15L)) {
-          ASSERT_EQ(d[i], RefRound<Vsp16s>(q)) << i << " sf " << sf;
-        }
-      }
-    }
-  }
-  // Exact halves go to the even neighbour: 3 / 2 -> 2, 5 / 2 -> 2.
-  const Vsp16s h[2] = {3, 5};
-  Vsp16s r[2];
-  ASSERT_EQ(vspsNormalize_16s_Sfs(h, r, 2, 0, 2, 0), vspStatOk);
-  EXPECT_EQ(r[0], 2);
-  EXPECT_EQ(r[1], 2);
 }
 
 }  // namespace

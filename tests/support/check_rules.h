@@ -13,7 +13,8 @@
 // pointer that must be the same buffer as another argument. A case whose settings are written
 // exactly like a generic case replaces that case's expectation. Defaults of the valid call:
 // len = 17, other integers 1, floats 1.0, complex values (1, 1); sources hold small positive
-// values, outputs a canary.
+// values, outputs a canary. Functions on spec or state blocks name a fixture (see BlockFixture)
+// that builds a valid block, or a test of their own in `coveredBy`.
 #pragma once
 
 #include <string>
@@ -29,11 +30,21 @@ struct CheckCase {
   int expect;
 };
 
+// A block fixture: the argument `arg` of the matching exports is a valid block made once by
+// make() (and kept for the program's life), so that the generic cases reach the data pointers,
+// lengths and parameters behind the block test. "arg=null" stays a generic case.
+struct BlockFixture {
+  const char* arg = nullptr;
+  const void* (*make)() = nullptr;
+  explicit operator bool() const { return make != nullptr; }
+};
+
 struct CheckRule {
   const char* pattern;                // glob over export names
   std::string defaults = {};          // settings of the valid call
   std::vector<CheckCase> cases = {};  // replacing or added cases
   const char* coveredBy = nullptr;    // non-null: skipped here; that test checks the order
+  BlockFixture fixture = {};          // a valid block for the block argument
 };
 
 std::vector<CheckRule>& AllCheckRules();
