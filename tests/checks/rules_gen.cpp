@@ -16,8 +16,15 @@ VSP_CHECK_RULES(kWindowRules)({
     {"vspsWinBlackmanOpt_????", "", {{"pSrc=null len=0", vspStatBadSize}}},
     {"vspsWinBlackmanOpt_*_I", "", {{"pSrcDst=null len=0", vspStatBadSize}}},
     {"vspsWinKaiser_*", "alpha=0.5", {{"len=1", vsptest::kAnyOk}, {"alpha=100", vspStatHugeWinErr}}},
+    // Tone and Triangle read a phase from pPhase before the destination: their order is tested
+    // with valid phases.
+    {"vspsTone_*", "", {}, "Generators.CheckOrdersLeaveEverythingUntouched"},
+    {"vspsTriangle_*", "", {}, "Generators.CheckOrdersLeaveEverythingUntouched"},
 });
 
 VSP_WAIVERS(kWindowWaivers)(std::vector<vsptest::Waiver>{
     {"vspsWin*", "Windows.EveryMemberAgainstItsFormula"},
+    {"vspsTone_*", "Generators.ToneAndTriangleAgainstFormulasAndAcrossCalls"},
+    {"vspsTriangle_*", "Generators.ToneAndTriangleAgainstFormulasAndAcrossCalls"},
+    {"vspsVector*", "Generators.JaehneAndSlope"},
 });
