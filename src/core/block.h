@@ -86,7 +86,9 @@ enum Id : uint32_t {
   kWTFwd = Tag('W', 'T', 'F', '1'), kWTInv = Tag('W', 'T', 'I', '1'),
 
   // Random generators.
-  kRandUniform = Tag('R', 'N', 'U', '1'), kRandGauss = Tag('R', 'N', 'G', '1'),
+  kRandUniform_16s = Tag('R', 'N', 'U', '1'), kRandUniform_32f = Tag('R', 'N', 'U', '2'),
+  kRandUniform_64f = Tag('R', 'N', 'U', '3'), kRandGauss_16s = Tag('R', 'N', 'G', '1'),
+  kRandGauss_32f = Tag('R', 'N', 'G', '2'), kRandGauss_64f = Tag('R', 'N', 'G', '3'),
 };
 
 // Written last by Init into Head::done; a block without it was never finished.

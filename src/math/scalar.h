@@ -1,6 +1,6 @@
-// Scalar double-precision cosine, sine and exponential of the library's own, for the set-up work
+// Scalar double-precision cosine, sine, exponential and logarithm of the library's own, for the set-up work
 // of other families (window coefficients, Kaiser's Bessel function): arguments of moderate size,
-// results within 1.5 ulp. They are constexpr-free plain functions without errno or tables.
+// results within 2 ulp. They are constexpr-free plain functions without errno or tables.
 #pragma once
 
 #include <cstdint>
@@ -96,6 +96,31 @@ inline double Exp(double x) {
   double scale;
   std::memcpy(&scale, &bits, sizeof scale);
   return e * scale;
+}
+
+// ln(x) for finite x > 0 (normal or subnormal): x = m 2^e with m in [sqrt(1/2), sqrt(2)),
+// ln m = 2 atanh(s), s = (m - 1)/(m + 1), |s| <= 0.172, by its series to s^23.
+inline double Log(double x) {
+  uint64_t bits;
+  std::memcpy(&bits, &x, sizeof bits);
+  int e = 0;
+  if ((bits >> 52) == 0) {  // subnormal: scale into the normal range first
+    x *= 0x1p54;
+    std::memcpy(&bits, &x, sizeof bits);
+    e = -54;
+  }
+  e += static_cast<int>(bits >> 52) - 1023;
+  bits = (bits & 0x000FFFFFFFFFFFFFULL) | 0x3FF0000000000000ULL;  // m in [1, 2)
+  double m;
+  std::memcpy(&m, &bits, sizeof m);
+  if (m > 1.4142135623730951) m *= 0.5, ++e;
+  const double s = (m - 1.0) / (m + 1.0), z = s * s;
+  double p = 1.0 / 23.0;
+  constexpr double kOdd[] = {1.0 / 21, 1.0 / 19, 1.0 / 17, 1.0 / 15, 1.0 / 13, 1.0 / 11, 1.0 / 9, 1.0 / 7, 1.0 / 5, 1.0 / 3};
+  for (double c : kOdd) p = p * z + c;
+  constexpr double kLn2Hi = 6.93147180369123816490e-01, kLn2Lo = 1.90821492927058770002e-10;
+  const double f = 2.0 * s, fz = f * (z * p);
+  return e * kLn2Hi + (f + (fz + e * kLn2Lo));
 }
 
 }  // namespace vsp::math
