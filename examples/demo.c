@@ -97,7 +97,29 @@ int main(void) {
       if (k >= 0 && k <= N / 2) work[k] = 0; /* the tone's leakage into its neighbours */
   }
 
-  /* 7. Errors leave outputs untouched and say why. */
+  /* 7. Generators: a tone made in two blocks (the phase carries over), a Hann window, and
+   *    Gaussian noise from a seeded generator whose state lives in our memory. */
+  {
+    Vsp32f phase = 0.0f;
+    check(vspsTone_32f(x, N / 2, 1.0f, 0.01f, &phase, vspAlgHintNone), "Tone_32f");
+    check(vspsTone_32f(x + N / 2, N / 2, 1.0f, 0.01f, &phase, vspAlgHintNone), "Tone_32f");
+    check(vspsWinHann_32f_I(x, N), "WinHann_32f_I");
+    printf("\nHann-windowed tone: x[0] %.3f, x[N/4] %.3f, x[N/2] %.3f\n", x[0], x[N / 4], x[N / 2]);
+    int stateSize = 0;
+    check(vspsRandGaussGetSize_32f(&stateSize), "RandGaussGetSize_32f");
+    Vsp8u* stateMem = vspsMalloc_8u(stateSize);
+    if (stateMem) {
+      VspRandGaussState_32f* rng = (VspRandGaussState_32f*)stateMem;
+      check(vspsRandGaussInit_32f(rng, 0.0f, 0.25f, 2024u), "RandGaussInit_32f");
+      check(vspsRandGauss_32f(work, N, rng), "RandGauss_32f");
+      Vsp32f m = 0, sd = 0;
+      check(vspsMeanStdDev_32f(work, N, &m, &sd), "MeanStdDev_32f");
+      printf("Gaussian noise (mean 0, deviation 0.25): measured mean %.4f, deviation %.4f\n", m, sd);
+      vspsFree(stateMem);
+    }
+  }
+
+  /* 8. Errors leave outputs untouched and say why. */
   printf("\nvspsZero_32f with length 0 returns %d (vspStatBadSize is %d)\n", vspsZero_32f(x, 0), vspStatBadSize);
   printf("vspsDivC_32f by 0 returns %d (vspStatDivByZeroErr is %d)\n", vspsDivC_32f(x, 0.0f, work, N),
          vspStatDivByZeroErr);
