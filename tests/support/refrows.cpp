@@ -34,9 +34,10 @@ Q Ldexp(Q v, long long e) {
   for (; e < 0; e += std::min<long long>(-e, 60)) v /= static_cast<Q>(1ULL << std::min<long long>(-e, 60));
   return v;
 }
-Q Sqrt(Q v) {  // Newton from the double root: enough for tolerance-based rows
+Q Sqrt(Q v) {  // Newton from the long double root (whose exponent range is that of Q)
   if (!(v > 0)) return v == 0 ? v : Q(NAN);
-  Q r = std::sqrt(static_cast<double>(v));
+  if (v != v || v - v != v - v) return v;  // +Inf
+  Q r = std::sqrt(static_cast<long double>(v));
   for (int k = 0; k < 3; ++k) r = (r + v / r) / 2;
   return r;
 }
@@ -200,10 +201,10 @@ Layout Analyse(const Export& e, const RefRow& row, std::string& error) {
   for (size_t i = 0; i < e.args.size(); ++i) {
     const ArgInfo& a = e.args[i];
     Role r = Role::Other;
-    if (a.name == "pSrc" || a.name == "pSrc1") r = Role::Src1, l.x = static_cast<int>(i);
-    else if (a.name == "pSrc2") r = Role::Src2, l.y = static_cast<int>(i);
+    if (a.name == "pSrc" || a.name == "pSrc1" || a.name == "pSrcRe") r = Role::Src1, l.x = static_cast<int>(i);
+    else if (a.name == "pSrc2" || a.name == "pSrcIm") r = Role::Src2, l.y = static_cast<int>(i);
     else if (a.name == "pSrcDst") r = Role::SrcDst, l.d = l.dst = static_cast<int>(i);
-    else if (a.name == "pDst") r = Role::Dst, l.dst = static_cast<int>(i);
+    else if (a.name == "pDst" || a.name == "pDstRe" || a.name == "pDstIm") r = Role::Dst, l.dst = static_cast<int>(i);
     else if (a.name == "len") r = Role::Len;
     else if (a.name == "scaleFactor") r = Role::Scale;
     else if (a.name == "val") r = Role::Val, l.val = static_cast<int>(i);

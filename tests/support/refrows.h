@@ -1,8 +1,8 @@
 // Reference rows: element-wise exports checked against one row each, {export glob, reference}.
 // The harness (refrows.cpp) builds every call from the registry's parameter names:
-//   pSrc / pSrc1 -> x, pSrc2 -> y, val -> c, pSrcDst -> d (its value before the call; it is also
-//   y when the export has a pSrc, so Sub_I and Sub share the formula y - x), pDst or pSrcDst ->
-//   the result; len; scaleFactor.
+//   pSrc / pSrc1 / pSrcRe -> x, pSrc2 / pSrcIm -> y, val -> c, pSrcDst -> d (its value before
+//   the call; it is also y when the export has a pSrc, so Sub_I and Sub share the formula
+//   y - x), pDst, pDstRe, pDstIm or pSrcDst -> the result; len; scaleFactor.
 // It sweeps lengths 1 .. four vectors and a few long ones, start offsets below the vector width,
 // random elements mixed with the type's special values (floats: +-0, +-Inf, NaN, subnormals,
 // extremes; integers: min, max, 0, +-1), scale factors around every boundary, and runs every

@@ -1,0 +1,192 @@
+// Complex-number utilities: magnitudes, power spectra, conjugates, splitting and joining. Plain
+// element loops over one template per operation; the part accessors hide whether the source is
+// one interleaved complex vector or two real ones.
+#include <cmath>
+#include <cstdint>
+#include <type_traits>
+
+#include "arith/scale.h"
+#include "core/check.h"
+#include "core/impl.h"
+#include "core/types.h"
+
+namespace vsp::cplx {
+namespace {
+
+// Sources: re and im of element i, from an interleaved vector or from two real vectors.
+template <class C> struct Interleaved {
+  using B = BaseOf<C>;
+  const C* p;
+  B Re(long long i) const { return p[i].re; }
+  B Im(long long i) const { return p[i].im; }
+};
+template <class B> struct Split {
+  const B* re;
+  const B* im;
+  B Re(long long i) const { return re[i]; }
+  B Im(long long i) const { return im[i]; }
+};
+
+// ---- magnitudes -------------------------------------------------------------------------------
+
+inline double Magnitude64(double re, double im) {
+  const double a = std::fabs(re), b = std::fabs(im);
+  if (std::isinf(a) || std::isinf(b)) return INFINITY;
+  if (std::isnan(a) || std::isnan(b)) return a + b;
+  const double m = a > b ? a : b;
+  if (m == 0) return 0;
+  const int e = std::ilogb(m);
+  const double x = std::scalbn(a, -e), y = std::scalbn(b, -e);
+  return std::scalbn(std::sqrt(x * x + y * y), e);
+}
+
+// sqrt(n) * 2^-s rounded to nearest even and saturated into D (n < 2^64: exact in long double,
+// whose root is then rounded once).
+template <class D> D RootScaled(uint64_t n, int s) {
+  if (n == 0) return D(0);
+  if (s >= 40) return D(0);  // sqrt(n) < 2^32: below one half
+  if (s <= -40) return kMaxOf<D>;
+  const long double v = std::ldexp(std::sqrt(static_cast<long double>(n)), -s);
+  if (v >= static_cast<long double>(kMaxOf<D>)) return kMaxOf<D>;
+  const long double f = std::floor(v), r = v - f;
+  int64_t q = static_cast<int64_t>(f);
+  if (r > 0.5L || (r == 0.5L && (q & 1))) ++q;
+  return Saturate<D>(q);
+}
+
+template <class S, class D> void ownsMagnitude(S src, D* d, long long n, int s) {
+  for (long long i = 0; i < n; ++i) {
+    const auto re = src.Re(i), im = src.Im(i);
+    if constexpr (std::is_same_v<decltype(re), const Vsp64f>) {
+      d[i] = Magnitude64(re, im);
+    } else if constexpr (std::is_floating_point_v<D>) {  // 32f, 16s32f: exact squares in double
+      const double x = re, y = im;
+      d[i] = static_cast<D>(std::isinf(x) || std::isinf(y) ? INFINITY : std::sqrt(x * x + y * y));
+    } else {
+      const int64_t x = re, y = im;
+      d[i] = RootScaled<D>(static_cast<uint64_t>(x * x) + static_cast<uint64_t>(y * y), s);
+    }
+  }
+}
+
+template <class S, class D> void ownsPower(S src, D* d, long long n, int s) {
+  for (long long i = 0; i < n; ++i) {
+    const auto re = src.Re(i), im = src.Im(i);
+    if constexpr (std::is_same_v<decltype(re), const Vsp64f>) {
+      d[i] = re * re + im * im;
+    } else if constexpr (std::is_floating_point_v<D>) {
+      const double x = re, y = im;
+      d[i] = static_cast<D>(x * x + y * y);
+    } else {
+      const int64_t x = re, y = im;
+      d[i] = ScaleRule<D, Vsp64s>(x * x + y * y, s);
+    }
+  }
+}
+
+template <class Kernel, class S, class D> VspStatus Run(Kernel k, S src, D* pDst, int len, int s, const void* p1, const void* p2) {
+  if (AnyNull(p1, p2, static_cast<const void*>(pDst))) return vspStatNullPtr;
+  if (len < 1) return vspStatBadSize;
+  k(src, pDst, len, s);
+  return vspStatOk;
+}
+
+// ---- conjugates, parts --------------------------------------------------------------------------
+
+template <class B> inline B Negate(B x) {
+  if constexpr (std::is_integral_v<B>) return x == kMinOf<B> ? kMaxOf<B> : static_cast<B>(-x);
+  else return -x;
+}
+
+template <class C> VspStatus Conj(const C* pSrc, C* pDst, int len) {
+  if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
+  for (long long i = 0; i < len; ++i) pDst[i] = C{pSrc[i].re, Negate(pSrc[i].im)};
+  return vspStatOk;
+}
+template <class C> VspStatus ConjFlip(const C* pSrc, C* pDst, int len) {
+  if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
+  for (long long i = 0; i < len; ++i) pDst[i] = C{pSrc[len - 1 - i].re, Negate(pSrc[len - 1 - i].im)};
+  return vspStatOk;
+}
+template <class C> VspStatus Parts(const C* pSrc, BaseOf<C>* pRe, BaseOf<C>* pIm, int len) {
+  if (VspStatus st = CheckVec(len, pSrc, pRe, pIm)) return st;
+  for (long long i = 0; i < len; ++i) pRe[i] = pSrc[i].re, pIm[i] = pSrc[i].im;
+  return vspStatOk;
+}
+template <bool kIm, class C> VspStatus Part(const C* pSrc, BaseOf<C>* pDst, int len) {
+  if (VspStatus st = CheckVec(len, pSrc, pDst)) return st;
+  for (long long i = 0; i < len; ++i) pDst[i] = kIm ? pSrc[i].im : pSrc[i].re;
+  return vspStatOk;
+}
+template <class B, class C> VspStatus Join(const B* pRe, const B* pIm, C* pDst, int len) {
+  if (pDst == nullptr || (pRe == nullptr && pIm == nullptr)) return vspStatNullPtr;
+  if (len < 1) return vspStatBadSize;
+  for (long long i = 0; i < len; ++i) pDst[i] = C{pRe ? pRe[i] : B(0), pIm ? pIm[i] : B(0)};
+  return vspStatOk;
+}
+
+const auto kMag = [](auto src, auto* d, long long n, int s) { ownsMagnitude(src, d, n, s); };
+const auto kPow = [](auto src, auto* d, long long n, int s) { ownsPower(src, d, n, s); };
+
+}  // namespace
+}  // namespace vsp::cplx
+
+namespace X = vsp::cplx;
+
+// Magnitude and PowerSpectr: interleaved members (pSrc) and split members (pSrcRe, pSrcIm).
+#define VSP_MAGPOW(Name, k, tag, C, D)                                                              \
+  VSP_IMPL(VspStatus, vsps##Name##_##tag, (const C* pSrc, D* pDst, int len)) {                      \
+    return X::Run(X::k, X::Interleaved<C>{pSrc}, pDst, len, 0, pSrc, pSrc);                         \
+  }
+#define VSP_MAGPOW_SFS(Name, k, tag, C, D)                                                          \
+  VSP_IMPL(VspStatus, vsps##Name##_##tag, (const C* pSrc, D* pDst, int len, int scaleFactor)) {     \
+    return X::Run(X::k, X::Interleaved<C>{pSrc}, pDst, len, scaleFactor, pSrc, pSrc);               \
+  }
+#define VSP_MAGPOW_SPLIT(Name, k, tag, B, D)                                                           \
+  VSP_IMPL(VspStatus, vsps##Name##_##tag, (const B* pSrcRe, const B* pSrcIm, D* pDst, int len)) {      \
+    return X::Run(X::k, X::Split<B>{pSrcRe, pSrcIm}, pDst, len, 0, pSrcRe, pSrcIm);                    \
+  }
+#define VSP_MAGPOW_SPLIT_SFS(Name, k, tag, B, D)                                                                    \
+  VSP_IMPL(VspStatus, vsps##Name##_##tag, (const B* pSrcRe, const B* pSrcIm, D* pDst, int len, int scaleFactor)) { \
+    return X::Run(X::k, X::Split<B>{pSrcRe, pSrcIm}, pDst, len, scaleFactor, pSrcRe, pSrcIm);                      \
+  }
+
+VSP_MAGPOW(Magnitude, kMag, 32fc, Vsp32fc, Vsp32f)
+VSP_MAGPOW(Magnitude, kMag, 64fc, Vsp64fc, Vsp64f)
+VSP_MAGPOW(Magnitude, kMag, 16sc32f, Vsp16sc, Vsp32f)
+VSP_MAGPOW_SFS(Magnitude, kMag, 16sc_Sfs, Vsp16sc, Vsp16s)
+VSP_MAGPOW_SFS(Magnitude, kMag, 32sc_Sfs, Vsp32sc, Vsp32s)
+VSP_MAGPOW_SPLIT(Magnitude, kMag, 32f, Vsp32f, Vsp32f)
+VSP_MAGPOW_SPLIT(Magnitude, kMag, 64f, Vsp64f, Vsp64f)
+VSP_MAGPOW_SPLIT(Magnitude, kMag, 16s32f, Vsp16s, Vsp32f)
+VSP_MAGPOW_SPLIT_SFS(Magnitude, kMag, 16s_Sfs, Vsp16s, Vsp16s)
+VSP_MAGPOW(PowerSpectr, kPow, 32fc, Vsp32fc, Vsp32f)
+VSP_MAGPOW(PowerSpectr, kPow, 64fc, Vsp64fc, Vsp64f)
+VSP_MAGPOW(PowerSpectr, kPow, 16sc32f, Vsp16sc, Vsp32f)
+VSP_MAGPOW_SFS(PowerSpectr, kPow, 16sc_Sfs, Vsp16sc, Vsp16s)
+VSP_MAGPOW_SPLIT(PowerSpectr, kPow, 32f, Vsp32f, Vsp32f)
+VSP_MAGPOW_SPLIT(PowerSpectr, kPow, 64f, Vsp64f, Vsp64f)
+VSP_MAGPOW_SPLIT(PowerSpectr, kPow, 16s32f, Vsp16s, Vsp32f)
+VSP_MAGPOW_SPLIT_SFS(PowerSpectr, kPow, 16s_Sfs, Vsp16s, Vsp16s)
+
+#define VSP_CPLX_PARTS(t, b)                                                                                   \
+  VSP_IMPL(VspStatus, vspsConj_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len)) { return X::Conj(pSrc, pDst, len); } \
+  VSP_IMPL(VspStatus, vspsConj_##t##_I, (Vsp##t * pSrcDst, int len)) { return X::Conj(pSrcDst, pSrcDst, len); }     \
+  VSP_IMPL(VspStatus, vspsConjFlip_##t, (const Vsp##t* pSrc, Vsp##t* pDst, int len)) {                         \
+    return X::ConjFlip(pSrc, pDst, len);                                                                       \
+  }                                                                                                            \
+  VSP_IMPL(VspStatus, vspsReal_##t, (const Vsp##t* pSrc, Vsp##b* pDstRe, int len)) {                           \
+    return X::Part<false>(pSrc, pDstRe, len);                                                                  \
+  }                                                                                                            \
+  VSP_IMPL(VspStatus, vspsImag_##t, (const Vsp##t* pSrc, Vsp##b* pDstIm, int len)) {                           \
+    return X::Part<true>(pSrc, pDstIm, len);                                                                   \
+  }                                                                                                            \
+  VSP_IMPL(VspStatus, vspsCplxToReal_##t, (const Vsp##t* pSrc, Vsp##b* pDstRe, Vsp##b* pDstIm, int len)) {     \
+    return X::Parts(pSrc, pDstRe, pDstIm, len);                                                                \
+  }                                                                                                            \
+  VSP_IMPL(VspStatus, vspsRealToCplx_##b, (const Vsp##b* pSrcRe, const Vsp##b* pSrcIm, Vsp##t* pDst, int len)) { \
+    return X::Join(pSrcRe, pSrcIm, pDst, len);                                                                 \
+  }
+VSP_CPLX_PARTS(16sc, 16s)
+VSP_CPLX_PARTS(32fc, 32f)
+VSP_CPLX_PARTS(64fc, 64f)
