@@ -134,7 +134,10 @@ TEST(Random, Errors) {
   int size = 0;
   EXPECT_EQ(vspsRandUniformGetSize_32f(nullptr), vspStatNullPtr);
   ASSERT_EQ(vspsRandUniformGetSize_32f(&size), vspStatOk);
-  std::vector<Vsp8u> mem(size, 0);
+  int gaussSize = 0;
+  ASSERT_EQ(vspsRandGaussGetSize_32f(&gaussSize), vspStatOk);
+  EXPECT_GT(gaussSize, size) << "the normal state holds the ziggurat";
+  std::vector<Vsp8u> mem(gaussSize, 0);  // room for either kind of state
   auto* uni = reinterpret_cast<VspRandUniState_32f*>(mem.data());
   auto* gau = reinterpret_cast<VspRandGaussState_32f*>(mem.data());
   std::vector<Vsp32f> d(4, -1.0f);
