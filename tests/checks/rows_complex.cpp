@@ -35,6 +35,7 @@ VSP_REF_ROWS(kComplexRows)({
 VSP_WAIVERS(kComplexWaivers)({
     {"vspsCplxToReal_*", "ComplexParts.SplitAndJoin"},
     {"vspsRealToCplx_*", "ComplexParts.SplitAndJoin"},
+    {"vspsGoertz_*", "Goertzel.EveryMemberAgainstTheSum"},
 });
 
 }  // namespace vsptest

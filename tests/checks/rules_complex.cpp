@@ -9,3 +9,8 @@ VSP_CHECK_RULES(kComplexRules)({
      {{"pSrcRe=null", vspStatOk}, {"pSrcIm=null", vspStatOk}, {"pSrcRe=null len=0", vspStatBadSize},
       {"pSrcRe=null pSrcIm=null", vspStatNullPtr}}},
 });
+
+// Goertzel: a relative frequency in [0, 1).
+VSP_CHECK_RULES(kGoertzelRules)({
+    {"vspsGoertz_*", "rFreq=0.25", {{"rFreq=1", vspStatRelFreqErr}, {"len=0 rFreq=1", vspStatBadSize}}},
+});
