@@ -7,6 +7,7 @@
 
 #include "arith/scale.h"
 #include "core/check.h"
+#include "core/loop.h"
 #include "core/impl.h"
 #include "core/types.h"
 
@@ -54,7 +55,48 @@ template <class D> D RootScaled(uint64_t n, int s) {
   return Saturate<D>(q);
 }
 
+// 32fc sources, float results: the magnitude from the squares and their sum in double lanes, its
+// root rounded once to float; the power in float (re * re + im * im). The same operations as the
+// scalar loop, so the same bits. A step whose
+// result holds a NaN is redone one element at a time (the scalar rule gives +Inf for an infinite
+// part beside a NaN).
+namespace hw = vsp::simd;
+template <bool kRoot> struct SumSquaresOp {
+  static constexpr int kStep = hw::kLanes<Vsp32f>;
+  const Vsp32fc* s;
+  Vsp32f* d;
+  void Scalar(long long i) {
+    const double x = s[i].re, y = s[i].im;
+    if constexpr (kRoot) d[i] = static_cast<Vsp32f>(std::isinf(x) || std::isinf(y) ? INFINITY : std::sqrt(x * x + y * y));
+    else d[i] = s[i].re * s[i].re + s[i].im * s[i].im;
+  }
+  void Vector(long long i) {
+    const Vsp32f* p = reinterpret_cast<const Vsp32f*>(s + i);
+    if constexpr (!kRoot) {  // power in float: re * re + im * im, adjacent products summed
+      const hw::Vec<Vsp32f> a = hw::LoadU(p), b = hw::LoadU(p + hw::kLanes<Vsp32f>);
+      return hw::StoreU(hw::PairSums(hw::Mul(a, a), hw::Mul(b, b)), d + i);
+    }
+    hw::Vec<Vsp64f> sum[2];
+    for (int h = 0; h < 2; ++h) {
+      const hw::Vec<Vsp32f> v = hw::LoadU(p + h * hw::kLanes<Vsp32f>);
+      const hw::Vec<Vsp64f> lo = hw::PromoteLo(v), hi = hw::PromoteHi(v);
+      sum[h] = hw::PairSums(hw::Mul(lo, lo), hw::Mul(hi, hi));
+      if constexpr (kRoot) sum[h] = hw::Sqrt(sum[h]);
+    }
+    const hw::Vec<Vsp32f> r = hw::Demote(sum[0], sum[1]);
+    if (kRoot && hw::AnyTrue(hw::Unordered(r, r))) {
+      for (int k = 0; k < kStep; ++k) Scalar(i + k);
+      return;
+    }
+    hw::StoreU(r, d + i);
+  }
+};
+
 template <class S, class D> void ownsMagnitude(S src, D* d, long long n, int s) {
+  if constexpr (std::is_same_v<S, Interleaved<Vsp32fc>>) {
+    SumSquaresOp<true> op{src.p, d};
+    return ForEachAligned(d, n, op);
+  }
   for (long long i = 0; i < n; ++i) {
     const auto re = src.Re(i), im = src.Im(i);
     if constexpr (std::is_same_v<decltype(re), const Vsp64f>) {
@@ -70,11 +112,17 @@ template <class S, class D> void ownsMagnitude(S src, D* d, long long n, int s) 
 }
 
 template <class S, class D> void ownsPower(S src, D* d, long long n, int s) {
+  if constexpr (std::is_same_v<S, Interleaved<Vsp32fc>>) {
+    SumSquaresOp<false> op{src.p, d};
+    return ForEachAligned(d, n, op);
+  }
   for (long long i = 0; i < n; ++i) {
     const auto re = src.Re(i), im = src.Im(i);
     if constexpr (std::is_same_v<decltype(re), const Vsp64f>) {
       d[i] = re * re + im * im;
-    } else if constexpr (std::is_floating_point_v<D>) {
+    } else if constexpr (std::is_same_v<decltype(re), const Vsp32f>) {
+      d[i] = re * re + im * im;
+    } else if constexpr (std::is_floating_point_v<D>) {  // 16-bit parts: exact, rounded once
       const double x = re, y = im;
       d[i] = static_cast<D>(x * x + y * y);
     } else {
