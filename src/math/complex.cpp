@@ -8,6 +8,7 @@
 #include "arith/scale.h"
 #include "core/check.h"
 #include "core/loop.h"
+#include "core/simd/sse3_fft.h"
 #include "core/impl.h"
 #include "core/types.h"
 
@@ -72,9 +73,10 @@ template <bool kRoot> struct SumSquaresOp {
   }
   void Vector(long long i) {
     const Vsp32f* p = reinterpret_cast<const Vsp32f*>(s + i);
-    if constexpr (!kRoot) {  // power in float: re * re + im * im, adjacent products summed
+    if constexpr (!kRoot) {  // power in float: re * re + im * im on the deinterleaved parts
       const hw::Vec<Vsp32f> a = hw::LoadU(p), b = hw::LoadU(p + hw::kLanes<Vsp32f>);
-      return hw::StoreU(hw::PairSums(hw::Mul(a, a), hw::Mul(b, b)), d + i);
+      const hw::Vec<Vsp32f> re = hw::RealParts(a, b), im = hw::ImagParts(a, b);
+      return hw::StoreU(hw::Add(hw::Mul(re, re), hw::Mul(im, im)), d + i);
     }
     hw::Vec<Vsp64f> sum[2];
     for (int h = 0; h < 2; ++h) {
