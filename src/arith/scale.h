@@ -65,6 +65,21 @@ constexpr D ScaleRule(W r, int s) {
   return Saturate<D>(static_cast<W>(static_cast<U>(r) << left));
 }
 
+// saturate(round(v * 2^-s)) for a value computed in double (ties to even; NaN gives 0), for
+// families whose exact result is not an integer (Goertzel bins, phases, polar products). The
+// scale is clamped where every result is 0 or saturated already.
+template <class D> inline D ScaleRuleDouble(double v, int s) {
+  if (v != v) return D(0);
+  s = s > 1100 ? 1100 : s < -1100 ? -1100 : s;
+  const double x = __builtin_ldexp(v, -s);
+  if (x >= static_cast<double>(kMaxOf<D>)) return kMaxOf<D>;
+  if (x <= static_cast<double>(kMinOf<D>)) return kMinOf<D>;
+  const double f = __builtin_floor(x), r = x - f;
+  long long q = static_cast<long long>(f);
+  if (r > 0.5 || (r == 0.5 && (q & 1))) ++q;
+  return Saturate<D>(q);
+}
+
 // ---- dispatch by scale-factor range --------------------------------------------------------------
 
 // The kernel paths of an Sfs operation. Each gives exactly ScaleRule's values on its range.

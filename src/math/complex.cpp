@@ -11,6 +11,7 @@
 #include "core/simd/sse3_fft.h"
 #include "core/impl.h"
 #include "core/types.h"
+#include "math/scalar.h"
 
 namespace vsp::cplx {
 namespace {
@@ -175,6 +176,46 @@ template <class B, class C> VspStatus Join(const B* pRe, const B* pIm, C* pDst, 
   return vspStatOk;
 }
 
+// ---- phases and the polar form -------------------------------------------------------------------
+
+template <class S, class D> void ownsPhase(S src, D* d, long long n, int s) {
+  for (long long i = 0; i < n; ++i) {
+    const double p = math::Atan2(static_cast<double>(src.Im(i)), static_cast<double>(src.Re(i)));
+    if constexpr (std::is_floating_point_v<D>) d[i] = static_cast<D>(p);
+    else d[i] = ScaleRuleDouble<D>(p, s);
+  }
+}
+
+template <class S, class D> VspStatus CartToPolar(S src, D* magn, D* phase, int len, int s, const void* p1, const void* p2) {
+  if (AnyNull(p1, p2, static_cast<const void*>(magn), static_cast<const void*>(phase))) return vspStatNullPtr;
+  if (len < 1) return vspStatBadSize;
+  ownsMagnitude(src, magn, len, s);
+  ownsPhase(src, phase, len, s);
+  return vspStatOk;
+}
+
+// Writes magn cos(phase), magn sin(phase) through put(i, re, im).
+template <class B, class Put> void ownsPolar(const B* magn, const B* phase, long long n, Put put) {
+  for (long long i = 0; i < n; ++i) {
+    const double m = magn[i], p = phase[i];
+    put(i, m * math::Cos(p), m * math::Sin(p));
+  }
+}
+template <class B, class C> VspStatus PolarToCart(const B* magn, const B* phase, C* d, int len, int s) {
+  if (VspStatus st = CheckVec(len, magn, phase, d)) return st;
+  ownsPolar(magn, phase, len, [&](long long i, double re, double im) {
+    if constexpr (std::is_floating_point_v<B>) d[i] = C{static_cast<B>(re), static_cast<B>(im)};
+    else d[i] = C{ScaleRuleDouble<BaseOf<C>>(re, s), ScaleRuleDouble<BaseOf<C>>(im, s)};
+  });
+  return vspStatOk;
+}
+template <class B> VspStatus PolarToCartSplit(const B* magn, const B* phase, B* re, B* im, int len) {
+  if (VspStatus st = CheckVec(len, magn, phase, re, im)) return st;
+  ownsPolar(magn, phase, len, [&](long long i, double x, double y) { re[i] = static_cast<B>(x), im[i] = static_cast<B>(y); });
+  return vspStatOk;
+}
+
+const auto kPhase = [](auto src, auto* d, long long n, int s) { ownsPhase(src, d, n, s); };
 const auto kMag = [](auto src, auto* d, long long n, int s) { ownsMagnitude(src, d, n, s); };
 const auto kPow = [](auto src, auto* d, long long n, int s) { ownsPower(src, d, n, s); };
 
@@ -240,3 +281,43 @@ VSP_MAGPOW_SPLIT_SFS(PowerSpectr, kPow, 16s_Sfs, Vsp16s, Vsp16s)
 VSP_CPLX_PARTS(16sc, 16s)
 VSP_CPLX_PARTS(32fc, 32f)
 VSP_CPLX_PARTS(64fc, 64f)
+
+VSP_MAGPOW(Phase, kPhase, 32fc, Vsp32fc, Vsp32f)
+VSP_MAGPOW(Phase, kPhase, 64fc, Vsp64fc, Vsp64f)
+VSP_MAGPOW(Phase, kPhase, 16sc32f, Vsp16sc, Vsp32f)
+VSP_MAGPOW_SFS(Phase, kPhase, 16sc_Sfs, Vsp16sc, Vsp16s)
+VSP_MAGPOW_SPLIT(Phase, kPhase, 32f, Vsp32f, Vsp32f)
+VSP_MAGPOW_SPLIT(Phase, kPhase, 64f, Vsp64f, Vsp64f)
+VSP_MAGPOW_SPLIT(Phase, kPhase, 16s32f, Vsp16s, Vsp32f)
+VSP_MAGPOW_SPLIT_SFS(Phase, kPhase, 16s_Sfs, Vsp16s, Vsp16s)
+
+VSP_IMPL(VspStatus, vspsCartToPolar_32fc, (const Vsp32fc* pSrc, Vsp32f* pDstMagn, Vsp32f* pDstPhase, int len)) {
+  return X::CartToPolar(X::Interleaved<Vsp32fc>{pSrc}, pDstMagn, pDstPhase, len, 0, pSrc, pSrc);
+}
+VSP_IMPL(VspStatus, vspsCartToPolar_64fc, (const Vsp64fc* pSrc, Vsp64f* pDstMagn, Vsp64f* pDstPhase, int len)) {
+  return X::CartToPolar(X::Interleaved<Vsp64fc>{pSrc}, pDstMagn, pDstPhase, len, 0, pSrc, pSrc);
+}
+VSP_IMPL(VspStatus, vspsCartToPolar_16sc_Sfs, (const Vsp16sc* pSrc, Vsp16s* pDstMagn, Vsp16s* pDstPhase, int len, int scaleFactor)) {
+  return X::CartToPolar(X::Interleaved<Vsp16sc>{pSrc}, pDstMagn, pDstPhase, len, scaleFactor, pSrc, pSrc);
+}
+VSP_IMPL(VspStatus, vspsCartToPolar_32f, (const Vsp32f* pSrcRe, const Vsp32f* pSrcIm, Vsp32f* pDstMagn, Vsp32f* pDstPhase, int len)) {
+  return X::CartToPolar(X::Split<Vsp32f>{pSrcRe, pSrcIm}, pDstMagn, pDstPhase, len, 0, pSrcRe, pSrcIm);
+}
+VSP_IMPL(VspStatus, vspsCartToPolar_64f, (const Vsp64f* pSrcRe, const Vsp64f* pSrcIm, Vsp64f* pDstMagn, Vsp64f* pDstPhase, int len)) {
+  return X::CartToPolar(X::Split<Vsp64f>{pSrcRe, pSrcIm}, pDstMagn, pDstPhase, len, 0, pSrcRe, pSrcIm);
+}
+VSP_IMPL(VspStatus, vspsPolarToCart_32fc, (const Vsp32f* pSrcMagn, const Vsp32f* pSrcPhase, Vsp32fc* pDst, int len)) {
+  return X::PolarToCart(pSrcMagn, pSrcPhase, pDst, len, 0);
+}
+VSP_IMPL(VspStatus, vspsPolarToCart_64fc, (const Vsp64f* pSrcMagn, const Vsp64f* pSrcPhase, Vsp64fc* pDst, int len)) {
+  return X::PolarToCart(pSrcMagn, pSrcPhase, pDst, len, 0);
+}
+VSP_IMPL(VspStatus, vspsPolarToCart_16sc_Sfs, (const Vsp16s* pSrcMagn, const Vsp16s* pSrcPhase, Vsp16sc* pDst, int len, int scaleFactor)) {
+  return X::PolarToCart(pSrcMagn, pSrcPhase, pDst, len, scaleFactor);
+}
+VSP_IMPL(VspStatus, vspsPolarToCart_32f, (const Vsp32f* pSrcMagn, const Vsp32f* pSrcPhase, Vsp32f* pDstRe, Vsp32f* pDstIm, int len)) {
+  return X::PolarToCartSplit(pSrcMagn, pSrcPhase, pDstRe, pDstIm, len);
+}
+VSP_IMPL(VspStatus, vspsPolarToCart_64f, (const Vsp64f* pSrcMagn, const Vsp64f* pSrcPhase, Vsp64f* pDstRe, Vsp64f* pDstIm, int len)) {
+  return X::PolarToCartSplit(pSrcMagn, pSrcPhase, pDstRe, pDstIm, len);
+}

@@ -1,8 +1,9 @@
-// Scalar double-precision cosine, sine, exponential and logarithm of the library's own, for the set-up work
+// Scalar double-precision cosine, sine, exponential, logarithm and arctangent of the library's own, for the set-up work
 // of other families (window coefficients, Kaiser's Bessel function): arguments of moderate size,
 // results within 2 ulp. They are constexpr-free plain functions without errno or tables.
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -121,6 +122,35 @@ inline double Log(double x) {
   constexpr double kLn2Hi = 6.93147180369123816490e-01, kLn2Lo = 1.90821492927058770002e-10;
   const double f = 2.0 * s, fz = f * (z * p);
   return e * kLn2Hi + (f + (fz + e * kLn2Lo));
+}
+
+// atan2(y, x) in (-pi, pi] (atan2(+-0, x) = +-0 or +-pi by the signs, as IEEE's atan2): the
+// ratio of the smaller to the larger part in [0, 1], halved twice by
+// atan(t) = 2 atan(t / (1 + sqrt(1 + t^2))) to |t| <= 0.2, its series to t^31, then the octant.
+inline double Atan2(double y, double x) {
+  constexpr double kPi = 3.141592653589793116, kPiLo = 1.2246467991473532e-16;  // pi = kPi + kPiLo
+  if (x != x || y != y) return x + y;
+  const double ax = x < 0 ? -x : x, ay = y < 0 ? -y : y;
+  const bool ySign = std::signbit(y), xNeg = std::signbit(x);
+  double a;  // atan(ay / ax) in [0, pi/2]
+  if (ay == 0) {
+    a = 0;
+  } else if (ax == ay && ax - ax != ax - ax) {  // both infinite
+    a = kPi / 4;
+  } else {
+    const bool swap = ay > ax;
+    const double num = swap ? ax : ay, den = swap ? ay : ax;
+    double t = den - den != den - den ? 0.0 : num / den;  // an infinite larger part: ratio 0
+    double scale = 1.0;
+    for (int k = 0; k < 2 && t > 0.2; ++k) t = t / (1.0 + std::sqrt(1.0 + t * t)), scale *= 2.0;
+    const double z = t * t;
+    double p = 1.0 / 31;
+    for (int k = 29; k >= 3; k -= 2) p = p * (-z) + 1.0 / k;
+    a = scale * (t - t * (z * p));
+    if (swap) a = (kPi / 2 - a) + kPiLo / 2;
+  }
+  double r = xNeg ? (kPi - a) + kPiLo : a;
+  return ySign ? -r : r;
 }
 
 }  // namespace vsp::math

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "arith/scale.h"
 #include "core/check.h"
 #include "core/impl.h"
 #include "core/types.h"
@@ -10,20 +11,6 @@
 
 namespace vsp::goertzel {
 namespace {
-
-// round(v * 2^-s) to nearest with ties to even, saturated to 16 bits (s clamped where every
-// result is 0 or saturated already).
-Vsp16s Scale16(double v, int s) {
-  if (v != v) return 0;
-  s = s > 80 ? 80 : s < -80 ? -80 : s;
-  const double x = std::ldexp(v, -s);
-  if (x >= 32767.0) return 32767;
-  if (x <= -32768.0) return -32768;
-  const double f = std::floor(x), r = x - f;
-  int q = static_cast<int>(f);
-  if (r > 0.5 || (r == 0.5 && (q & 1))) ++q;
-  return static_cast<Vsp16s>(q);
-}
 
 template <class T, class C, class F> VspStatus Goertz(const T* pSrc, int len, C* pVal, F rFreq, int scale) {
   if (AnyNull(pSrc, pVal)) return vspStatNullPtr;
@@ -40,7 +27,7 @@ template <class T, class C, class F> VspStatus Goertz(const T* pSrc, int len, C*
     r2 = r1, r1 = r0, i2 = i1, i1 = i0;
   }
   const double re = c * r1 - s * i1 - r2, im = c * i1 + s * r1 - i2;
-  if constexpr (std::is_same_v<BaseOf<C>, Vsp16s>) *pVal = C{Scale16(re, scale), Scale16(im, scale)};
+  if constexpr (std::is_same_v<BaseOf<C>, Vsp16s>) *pVal = C{ScaleRuleDouble<Vsp16s>(re, scale), ScaleRuleDouble<Vsp16s>(im, scale)};
   else *pVal = C{static_cast<BaseOf<C>>(re), static_cast<BaseOf<C>>(im)};
   return vspStatOk;
 }
