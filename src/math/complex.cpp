@@ -57,82 +57,65 @@ template <class D> D RootScaled(uint64_t n, int s) {
   return Saturate<D>(q);
 }
 
-// 32fc sources, float results: the magnitude from the squares and their sum in double lanes, its
-// root rounded once to float; the power in float (re * re + im * im). The same operations as the
-// scalar loop, so the same bits. A step whose
-// result holds a NaN is redone one element at a time (the scalar rule gives +Inf for an infinite
-// part beside a NaN).
+// One element's magnitude (kRoot) or power into D. Magnitude: 64f by Magnitude64; 32f and 16-bit
+// parts with exact squares in double, the root rounded once (+Inf for an infinite part); _Sfs the
+// root of the exact integer sum, scaled. Power: 32f and 64f in the element's precision; 16-bit
+// parts exactly, rounded once to float or scaled.
+template <bool kRoot, class D, class B> D SumSquaresOf(B re, B im, int s) {
+  if constexpr (std::is_same_v<B, Vsp64f>) {
+    return kRoot ? Magnitude64(re, im) : re * re + im * im;
+  } else if constexpr (!kRoot && std::is_same_v<B, Vsp32f>) {
+    return re * re + im * im;
+  } else if constexpr (std::is_floating_point_v<D>) {
+    const double x = re, y = im;
+    if constexpr (kRoot) return static_cast<D>(std::isinf(x) || std::isinf(y) ? INFINITY : std::sqrt(x * x + y * y));
+    else return static_cast<D>(x * x + y * y);
+  } else {
+    const int64_t x = re, y = im;
+    if constexpr (kRoot) return RootScaled<D>(static_cast<uint64_t>(x * x) + static_cast<uint64_t>(y * y), s);
+    else return ScaleRule<D, Vsp64s>(x * x + y * y, s);
+  }
+}
+
+// 32fc sources, float results, four elements a step: the magnitude from the squares and their sum
+// in double lanes, its root rounded once to float; the power in float on the deinterleaved parts.
+// The same operations as SumSquaresOf, so the same bits. A magnitude step whose result holds a
+// NaN is redone one element at a time (+Inf for an infinite part beside a NaN).
 namespace hw = vsp::simd;
 template <bool kRoot> struct SumSquaresOp {
   static constexpr int kStep = hw::kLanes<Vsp32f>;
   const Vsp32fc* s;
   Vsp32f* d;
-  void Scalar(long long i) {
-    const double x = s[i].re, y = s[i].im;
-    if constexpr (kRoot) d[i] = static_cast<Vsp32f>(std::isinf(x) || std::isinf(y) ? INFINITY : std::sqrt(x * x + y * y));
-    else d[i] = s[i].re * s[i].re + s[i].im * s[i].im;
-  }
+  void Scalar(long long i) { d[i] = SumSquaresOf<kRoot, Vsp32f>(s[i].re, s[i].im, 0); }
   void Vector(long long i) {
     const Vsp32f* p = reinterpret_cast<const Vsp32f*>(s + i);
-    if constexpr (!kRoot) {  // power in float: re * re + im * im on the deinterleaved parts
-      const hw::Vec<Vsp32f> a = hw::LoadU(p), b = hw::LoadU(p + hw::kLanes<Vsp32f>);
+    const hw::Vec<Vsp32f> a = hw::LoadU(p), b = hw::LoadU(p + hw::kLanes<Vsp32f>);
+    if constexpr (!kRoot) {
       const hw::Vec<Vsp32f> re = hw::RealParts(a, b), im = hw::ImagParts(a, b);
-      return hw::StoreU(hw::Add(hw::Mul(re, re), hw::Mul(im, im)), d + i);
+      hw::StoreU(hw::Add(hw::Mul(re, re), hw::Mul(im, im)), d + i);
+    } else {
+      hw::Vec<Vsp64f> sum[2];
+      for (int h = 0; h < 2; ++h) {
+        const hw::Vec<Vsp32f> v = h ? b : a;
+        const hw::Vec<Vsp64f> lo = hw::PromoteLo(v), hi = hw::PromoteHi(v);
+        sum[h] = hw::Sqrt(hw::PairSums(hw::Mul(lo, lo), hw::Mul(hi, hi)));
+      }
+      const hw::Vec<Vsp32f> r = hw::Demote(sum[0], sum[1]);
+      if (hw::AnyTrue(hw::Unordered(r, r))) {
+        for (int k = 0; k < kStep; ++k) Scalar(i + k);
+        return;
+      }
+      hw::StoreU(r, d + i);
     }
-    hw::Vec<Vsp64f> sum[2];
-    for (int h = 0; h < 2; ++h) {
-      const hw::Vec<Vsp32f> v = hw::LoadU(p + h * hw::kLanes<Vsp32f>);
-      const hw::Vec<Vsp64f> lo = hw::PromoteLo(v), hi = hw::PromoteHi(v);
-      sum[h] = hw::PairSums(hw::Mul(lo, lo), hw::Mul(hi, hi));
-      if constexpr (kRoot) sum[h] = hw::Sqrt(sum[h]);
-    }
-    const hw::Vec<Vsp32f> r = hw::Demote(sum[0], sum[1]);
-    if (kRoot && hw::AnyTrue(hw::Unordered(r, r))) {
-      for (int k = 0; k < kStep; ++k) Scalar(i + k);
-      return;
-    }
-    hw::StoreU(r, d + i);
   }
 };
 
-template <class S, class D> void ownsMagnitude(S src, D* d, long long n, int s) {
+template <bool kRoot, class S, class D> void ownsSumSquares(S src, D* d, long long n, int s) {
   if constexpr (std::is_same_v<S, Interleaved<Vsp32fc>>) {
-    SumSquaresOp<true> op{src.p, d};
+    SumSquaresOp<kRoot> op{src.p, d};
     return ForEachAligned(d, n, op);
   }
-  for (long long i = 0; i < n; ++i) {
-    const auto re = src.Re(i), im = src.Im(i);
-    if constexpr (std::is_same_v<decltype(re), const Vsp64f>) {
-      d[i] = Magnitude64(re, im);
-    } else if constexpr (std::is_floating_point_v<D>) {  // 32f, 16s32f: exact squares in double
-      const double x = re, y = im;
-      d[i] = static_cast<D>(std::isinf(x) || std::isinf(y) ? INFINITY : std::sqrt(x * x + y * y));
-    } else {
-      const int64_t x = re, y = im;
-      d[i] = RootScaled<D>(static_cast<uint64_t>(x * x) + static_cast<uint64_t>(y * y), s);
-    }
-  }
-}
-
-template <class S, class D> void ownsPower(S src, D* d, long long n, int s) {
-  if constexpr (std::is_same_v<S, Interleaved<Vsp32fc>>) {
-    SumSquaresOp<false> op{src.p, d};
-    return ForEachAligned(d, n, op);
-  }
-  for (long long i = 0; i < n; ++i) {
-    const auto re = src.Re(i), im = src.Im(i);
-    if constexpr (std::is_same_v<decltype(re), const Vsp64f>) {
-      d[i] = re * re + im * im;
-    } else if constexpr (std::is_same_v<decltype(re), const Vsp32f>) {
-      d[i] = re * re + im * im;
-    } else if constexpr (std::is_floating_point_v<D>) {  // 16-bit parts: exact, rounded once
-      const double x = re, y = im;
-      d[i] = static_cast<D>(x * x + y * y);
-    } else {
-      const int64_t x = re, y = im;
-      d[i] = ScaleRule<D, Vsp64s>(x * x + y * y, s);
-    }
-  }
+  for (long long i = 0; i < n; ++i) d[i] = SumSquaresOf<kRoot, D>(src.Re(i), src.Im(i), s);
 }
 
 template <class Kernel, class S, class D> VspStatus Run(Kernel k, S src, D* pDst, int len, int s, const void* p1, const void* p2) {
@@ -189,7 +172,7 @@ template <class S, class D> void ownsPhase(S src, D* d, long long n, int s) {
 template <class S, class D> VspStatus CartToPolar(S src, D* magn, D* phase, int len, int s, const void* p1, const void* p2) {
   if (AnyNull(p1, p2, static_cast<const void*>(magn), static_cast<const void*>(phase))) return vspStatNullPtr;
   if (len < 1) return vspStatBadSize;
-  ownsMagnitude(src, magn, len, s);
+  ownsSumSquares<true>(src, magn, len, s);
   ownsPhase(src, phase, len, s);
   return vspStatOk;
 }
@@ -216,8 +199,8 @@ template <class B> VspStatus PolarToCartSplit(const B* magn, const B* phase, B* 
 }
 
 const auto kPhase = [](auto src, auto* d, long long n, int s) { ownsPhase(src, d, n, s); };
-const auto kMag = [](auto src, auto* d, long long n, int s) { ownsMagnitude(src, d, n, s); };
-const auto kPow = [](auto src, auto* d, long long n, int s) { ownsPower(src, d, n, s); };
+const auto kMag = [](auto src, auto* d, long long n, int s) { ownsSumSquares<true>(src, d, n, s); };
+const auto kPow = [](auto src, auto* d, long long n, int s) { ownsSumSquares<false>(src, d, n, s); };
 
 }  // namespace
 }  // namespace vsp::cplx
