@@ -144,8 +144,8 @@ inline void Put(hw::Vec<B> v, B* p) {
 template <class Op, class T, class X, class Y, bool kCheckZero = false, bool kStream = false>
 struct FloatEach {
   using B = BaseOf<T>;
-  static constexpr int kPer = hw::kLanes<T>;  // elements per vector
-  static constexpr int kStep = 4 * kPer;
+  static constexpr int kLanes = hw::kLanes<T>;  // elements per vector
+  static constexpr int kStep = 4 * kLanes;
   X x;
   Y y;
   T* d;
@@ -161,9 +161,9 @@ struct FloatEach {
   void Vector(long long i) {
     B* out = reinterpret_cast<B*>(d + i);
     for (int k = 0; k < 4; ++k) {
-      hw::Vec<B> yv = y.Load(i + k * kPer);
+      hw::Vec<B> yv = y.Load(i + k * kLanes);
       if constexpr (kCheckZero) zeros = hw::Or(zeros, ZeroElements<T>(yv));
-      hw::Vec<B> r = Op::template Vector<T>(x.Load(i + k * kPer), yv);
+      hw::Vec<B> r = Op::template Vector<T>(x.Load(i + k * kLanes), yv);
       if constexpr (kAccumulates<Op>) r = hw::Add(hw::LoadU(out + k * hw::kLanes<B>), r);
       Put<kStream>(r, out + k * hw::kLanes<B>);
     }
@@ -213,8 +213,8 @@ template <class T> inline void ownsAddProductC(const T* a, T c, T* d, long long 
 template <class B>
 struct MulRealComplexEach {
   using C = std::conditional_t<std::is_same_v<B, Vsp32f>, Vsp32fc, Vsp64fc>;
-  static constexpr int kPer = hw::kLanes<C>;  // elements per vector
-  static constexpr int kStep = 2 * kPer;
+  static constexpr int kLanes = hw::kLanes<C>;  // complex elements per vector
+  static constexpr int kStep = 2 * kLanes;
   const B* a;
   const C* b;
   C* d;
@@ -222,13 +222,13 @@ struct MulRealComplexEach {
   void Vector(long long i) {
     const B* bb = reinterpret_cast<const B*>(b + i);
     B* out = reinterpret_cast<B*>(d + i);
-    constexpr int kLanes = hw::kLanes<B>;
-    if constexpr (kPer == 2) {
+    constexpr int kParts = hw::kLanes<B>;  // real lanes per vector
+    if constexpr (kLanes == 2) {
       hw::Vec<B> r = hw::LoadU(a + i);  // four reals cover two steps of two complex elements
       hw::StoreU(hw::Mul(hw::InterleaveLo(r, r), hw::LoadU(bb)), out);
-      hw::StoreU(hw::Mul(hw::InterleaveHi(r, r), hw::LoadU(bb + kLanes)), out + kLanes);
+      hw::StoreU(hw::Mul(hw::InterleaveHi(r, r), hw::LoadU(bb + kParts)), out + kParts);
     } else {
-      for (int k = 0; k < 2; ++k) hw::StoreU(hw::Mul(hw::Set1(a[i + k]), hw::LoadU(bb + k * kLanes)), out + k * kLanes);
+      for (int k = 0; k < 2; ++k) hw::StoreU(hw::Mul(hw::Set1(a[i + k]), hw::LoadU(bb + k * kParts)), out + k * kParts);
     }
   }
 };

@@ -19,7 +19,7 @@ template <class T>
 struct ElemVec {
   using Lane = BaseOf<T>;
   using V = hw::Vec<Lane>;
-  static constexpr int kPer = hw::kLanes<T>;  // elements per vector
+  static constexpr int kLanes = hw::kLanes<T>;  // elements per vector
 
   static V Load(const T* p) { return hw::LoadU(reinterpret_cast<const Lane*>(p)); }
   static void Store(V v, T* p) { hw::StoreU(v, reinterpret_cast<Lane*>(p)); }
@@ -49,13 +49,13 @@ template <class T, class Rule>
 struct ThresholdOp {
   using E = ElemVec<T>;
   static constexpr int kVectors = 4;
-  static constexpr int kStep = kVectors * E::kPer;
+  static constexpr int kStep = kVectors * E::kLanes;
   const T* src;
   T* dst;
   Rule& rule;
   void Scalar(long long i) { E::StoreFirst(rule(E::Broadcast(src[i])), dst + i); }
   void Vector(long long i) {
-    for (int k = 0; k < kVectors; ++k) E::Store(rule(E::Load(src + i + k * E::kPer)), dst + i + k * E::kPer);
+    for (int k = 0; k < kVectors; ++k) E::Store(rule(E::Load(src + i + k * E::kLanes)), dst + i + k * E::kLanes);
   }
 };
 
